@@ -1,0 +1,143 @@
+#include "common/text.h"
+
+#include <array>
+#include <clocale>
+#include <cwctype>
+#include <locale.h>
+
+namespace kestrel {
+
+namespace {
+
+// The C.UTF-8 locale carries the full simple case mapping; it is built into glibc,
+// so no locale package is needed. The table is filled once, on first use.
+struct UpperTable {
+    std::array<char16_t, 0x10000> map{};
+    UpperTable() {
+        locale_t loc = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
+        for (unsigned c = 0; c < 0x10000; ++c) {
+            char16_t up = static_cast<char16_t>(c);
+            bool surrogate = c >= 0xD800 && c <= 0xDFFF;
+            if (!surrogate) {
+                wint_t u = loc ? towupper_l(static_cast<wint_t>(c), loc)
+                               : (c < 128 ? static_cast<wint_t>(std::towupper(static_cast<wint_t>(c))) : c);
+                if (u < 0x10000 && !(u >= 0xD800 && u <= 0xDFFF)) up = static_cast<char16_t>(u);
+            }
+            map[c] = up;
+        }
+        if (loc) freelocale(loc);
+    }
+};
+
+const UpperTable& Table() {
+    static const UpperTable table;
+    return table;
+}
+
+}  // namespace
+
+char16_t UpperUnit(char16_t c) {
+    if (c < 128) return (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - 32) : c;
+    return Table().map[c];
+}
+
+std::u16string UpperCase(std::u16string_view s) {
+    std::u16string out(s);
+    for (auto& c : out) c = UpperUnit(c);
+    return out;
+}
+
+std::u16string TrimSpaces(std::u16string_view s) {
+    size_t b = 0, e = s.size();
+    while (b < e && s[b] == u' ') ++b;
+    while (e > b && s[e - 1] == u' ') --e;
+    return std::u16string(s.substr(b, e - b));
+}
+
+namespace {
+
+void AppendCodePoint(std::u16string& out, char32_t cp) {
+    if (cp < 0x10000) {
+        out.push_back(static_cast<char16_t>(cp));
+    } else {
+        cp -= 0x10000;
+        out.push_back(static_cast<char16_t>(0xD800 + (cp >> 10)));
+        out.push_back(static_cast<char16_t>(0xDC00 + (cp & 0x3FF)));
+    }
+}
+
+// Length of the valid UTF-8 sequence starting at s[i] and its value, or 0 when the
+// byte at i does not start a valid sequence.
+size_t DecodeOne(std::string_view s, size_t i, char32_t& cp) {
+    auto b = [&](size_t k) { return static_cast<unsigned char>(s[k]); };
+    unsigned char c = b(i);
+    if (c < 0x80) { cp = c; return 1; }
+    size_t len;
+    char32_t min;
+    if (c >= 0xC2 && c <= 0xDF) { len = 2; cp = c & 0x1F; min = 0x80; }
+    else if (c >= 0xE0 && c <= 0xEF) { len = 3; cp = c & 0x0F; min = 0x800; }
+    else if (c >= 0xF0 && c <= 0xF4) { len = 4; cp = c & 0x07; min = 0x10000; }
+    else return 0;
+    if (i + len > s.size()) return 0;
+    for (size_t k = 1; k < len; ++k) {
+        if ((b(i + k) & 0xC0) != 0x80) return 0;
+        cp = (cp << 6) | (b(i + k) & 0x3F);
+    }
+    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
+    return len;
+}
+
+}  // namespace
+
+std::u16string FromUtf8(std::string_view bytes) {
+    std::u16string out;
+    out.reserve(bytes.size());
+    size_t i = 0;
+    const size_t n = bytes.size();
+    while (i < n) {
+        // Plain ASCII runs are the common case in source code.
+        unsigned char c = static_cast<unsigned char>(bytes[i]);
+        if (c < 0x80) { out.push_back(c); ++i; continue; }
+        char32_t cp;
+        size_t len = DecodeOne(bytes, i, cp);
+        if (len == 0) { out.push_back(c); ++i; continue; }
+        AppendCodePoint(out, cp);
+        i += len;
+    }
+    return out;
+}
+
+std::string ToUtf8(std::u16string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        char32_t cp = text[i];
+        if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
+            cp = 0x10000 + ((cp - 0xD800) << 10) + (text[i + 1] - 0xDC00);
+            ++i;
+        }
+        if (cp < 0x80) {
+            out.push_back(static_cast<char>(cp));
+        } else if (cp < 0x800) {
+            out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
+            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        } else if (cp < 0x10000) {
+            out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
+            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        } else {
+            out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
+            out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        }
+    }
+    return out;
+}
+
+std::u16string ToText(long long n) {
+    std::string s = std::to_string(n);
+    return std::u16string(s.begin(), s.end());
+}
+
+}  // namespace kestrel

@@ -1,0 +1,27 @@
+#pragma once
+// Text helpers shared by every subsystem. All texts are UTF-16 code units
+// (std::u16string); positions count code units.
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+// Simple upper-case mapping of one UTF-16 code unit (surrogates map to themselves).
+char16_t UpperUnit(char16_t c);
+// Every code unit mapped through UpperUnit. Collection keys are compared in this form.
+std::u16string UpperCase(std::u16string_view s);
+// Removes leading and trailing spaces (code 32) only; tabs and other blanks stay.
+std::u16string TrimSpaces(std::u16string_view s);
+
+// UTF-8 in, UTF-16 out. Validated strictly: overlong forms, encoded surrogates and
+// values above U+10FFFF are invalid; every byte that is not part of a valid sequence
+// becomes the code point of the byte's value.
+std::u16string FromUtf8(std::string_view bytes);
+// UTF-16 out as UTF-8: a valid surrogate pair becomes one four-byte character, a lone
+// surrogate is written as its own three-byte sequence.
+std::string ToUtf8(std::u16string_view text);
+
+// Decimal form of a number, as UTF-16.
+std::u16string ToText(long long n);
+
+}  // namespace kestrel

@@ -1,0 +1,71 @@
+#pragma once
+// The one error-reporting routine. Every operation runs its body through Trap():
+// a run-time error ends that operation with the result it had reached, is reported
+// here with the module's file name and the operation's title, and the caller goes on.
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+// Error numbers, as the reports carry them.
+enum ErrorNumber : int {
+    kErrInvalidCall = 5,
+    kErrOutOfMemory = 7,
+    kErrSubscriptOutOfRange = 9,
+    kErrFileNotFound = 53,
+    kErrFileIo = 75,
+    kErrObjectRequired = 424,
+    kErrKeyExists = 457,
+};
+
+// A run-time error raised inside an operation.
+class RuntimeError : public std::runtime_error {
+public:
+    RuntimeError(int number, const std::string& message) : std::runtime_error(message), number_(number) {}
+    int Number() const { return number_; }
+
+private:
+    int number_;
+};
+
+struct ErrorReport {
+    std::string_view module;   // the module's file name, e.g. "clsQuillbox.cls"
+    std::string_view title;    // the operation's title, e.g. "Sub TakeLevelsOut"
+    int number;
+    std::string_view message;
+};
+
+// A handler answers the report with a 16-bit choice.
+using ErrorHandler = std::function<int16_t(const ErrorReport&)>;
+
+// Reports an error to the installed handler (the error log by default) and returns its choice.
+int16_t ReportError(std::string_view module, std::string_view title, int number, std::string_view message);
+
+// Installs a handler (to show, mail or collect reports) and returns the previous one.
+// An empty handler restores the default, which appends a line to ErrorLogPath() and answers 0.
+ErrorHandler SetErrorHandler(ErrorHandler handler);
+
+// $XDG_STATE_HOME/kestrel/error.log, else ~/.local/state/kestrel/error.log.
+std::string ErrorLogPath();
+
+// Reports the exception currently being handled.
+void ReportCurrentException(std::string_view module, std::string_view title) noexcept;
+
+// Runs body under an error trap. Returns true when it ran to its end, false when a
+// run-time error cut it short (the error has then been reported).
+template <class Body>
+bool Trap(std::string_view module, std::string_view title, Body&& body) noexcept {
+    try {
+        body();
+        return true;
+    } catch (...) {
+        ReportCurrentException(module, title);
+        return false;
+    }
+}
+
+}  // namespace kestrel

@@ -1,0 +1,33 @@
+#pragma once
+// What the scanner talks to: the output that receives each declaration it finds
+// (the file record implements it) and the host's line source for text held in memory.
+#include <cstdint>
+#include <string>
+
+namespace kestrel {
+
+class ScanOutput {
+public:
+    virtual ~ScanOutput() = default;
+
+    // The file's kind (FILETYPE_*) and its absolute name, read by the scanner.
+    virtual int32_t FileType() const = 0;
+    virtual std::u16string FileName() = 0;
+
+    virtual void WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
+                                const std::u16string& params) = 0;
+    virtual void WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,
+                                 const std::u16string& typeText) = 0;
+    virtual void WriteEndClass__(const std::u16string& className, int32_t endLine) = 0;
+    virtual void WriteInclude__(const std::u16string& fileName, int32_t line) = 0;
+};
+
+// Lines of a text the host holds in memory (an editor buffer). Lines are 1-based.
+class LineSource {
+public:
+    virtual ~LineSource() = default;
+    virtual int32_t GetLineCount() = 0;
+    virtual std::u16string Line(int32_t lineNumber) = 0;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,36 @@
+#include <gtest/gtest.h>
+
+#include "common/text.h"
+
+using namespace kestrel;
+
+TEST(UpperCase, MapsEachCodeUnitToItsSimpleUpperForm) {
+    EXPECT_EQ(UpperCase(u"abc_XYZ 09"), u"ABC_XYZ 09");
+    EXPECT_EQ(UpperCase(u"\u00e9t\u00e9"), u"\u00c9T\u00c9");       // é -> É
+    EXPECT_EQ(UpperCase(u"\u00df"), u"\u00df");                     // ß has no simple upper form
+    EXPECT_EQ(UpperCase(u"\u03b1\u0444"), u"\u0391\u0424");         // Greek and Cyrillic
+    EXPECT_EQ(UpperCase(u"\xd83d"), u"\xd83d");                     // lone surrogate unchanged
+}
+
+TEST(TrimSpaces, RemovesSpacesOnly) {
+    EXPECT_EQ(TrimSpaces(u"  a b  "), u"a b");
+    EXPECT_EQ(TrimSpaces(u"\ta\t"), u"\ta\t");
+    EXPECT_EQ(TrimSpaces(u"   "), u"");
+}
+
+TEST(Utf8, DecodesValidSequencesAndKeepsInvalidBytesAsTheirValue) {
+    EXPECT_EQ(FromUtf8("a\xc3\xa9z"), u"a\u00e9z");
+    EXPECT_EQ(FromUtf8("\xf0\x9f\x98\x80"), u"\xd83d\xde00");
+    EXPECT_EQ(FromUtf8("\xc0\xaf"), u"\u00c0\u00af");               // overlong
+    EXPECT_EQ(FromUtf8("\xed\xa0\x80"), u"\u00ed\u00a0\u0080");     // encoded surrogate
+    EXPECT_EQ(FromUtf8("\xf4\x90\x80\x80"), u"\u00f4\u0090\u0080\u0080");  // above U+10FFFF
+    EXPECT_EQ(FromUtf8("x\xe2\x82"), u"x\u00e2\u0082");             // truncated at the end
+    EXPECT_EQ(FromUtf8(std::string("a\0b", 3)), std::u16string(u"a\0b", 3));
+}
+
+TEST(Utf8, EncodesPairsAsOneCharacterAndLoneSurrogatesAsThreeBytes) {
+    EXPECT_EQ(ToUtf8(u"a\u00e9"), "a\xc3\xa9");
+    EXPECT_EQ(ToUtf8(u"\xd83d\xde00"), "\xf0\x9f\x98\x80");
+    EXPECT_EQ(ToUtf8(u"\xd83d"), "\xed\xa0\xbd");
+    EXPECT_EQ(ToUtf8(u"\xde00x"), "\xed\xb8\x80x");
+}

@@ -1,0 +1,36 @@
+#pragma once
+// Collects every error report while in scope, so tests can assert on them
+// (and no test writes to the user's error log).
+#include <string>
+#include <vector>
+
+#include "errorlog/errorlog.h"
+
+namespace kestrel::test {
+
+struct CapturedError {
+    std::string module;
+    std::string title;
+    int number;
+    std::string message;
+};
+
+class ErrorCapture {
+public:
+    ErrorCapture() {
+        previous_ = SetErrorHandler([this](const ErrorReport& r) -> int16_t {
+            reports.push_back({std::string(r.module), std::string(r.title), r.number, std::string(r.message)});
+            return 0;
+        });
+    }
+    ~ErrorCapture() { SetErrorHandler(previous_); }
+    ErrorCapture(const ErrorCapture&) = delete;
+    ErrorCapture& operator=(const ErrorCapture&) = delete;
+
+    std::vector<CapturedError> reports;
+
+private:
+    ErrorHandler previous_;
+};
+
+}  // namespace kestrel::test
