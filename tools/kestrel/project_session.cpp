@@ -97,8 +97,9 @@ const std::string& OptionValue(const std::vector<std::string>& args, size_t& i) 
     return args[++i];
 }
 
-int RunCommand(const char* name, const char* usage, const std::vector<std::string>& args,
+int RunCommand(const char* name, const char* usage, int argc, char** argv,
                int (*body)(const std::vector<std::string>&)) {
+    const std::vector<std::string> args(argv, argv + argc);
     for (const std::string& a : args) {
         if (a == "--help" || a == "-h") {
             std::cout << usage;
