@@ -70,7 +70,7 @@ int main() {
     });
     Time("class: 25,000 lookups by position and key", [&] {
         long sum = 0;
-        for (int i = 1; i <= cls->CountFunc(); ++i) sum += cls->Func(i)->Line + cls->var(u"v" + ToText(2 * i - 2))->Line;
+        for (int i = 1; i <= cls->CountFunc(); ++i) sum += cls->func(i)->Line + cls->var(u"v" + ToText(2 * i - 2))->Line;
         if (sum < 0) std::puts("");
     });
 

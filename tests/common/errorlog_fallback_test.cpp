@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <unistd.h>
 
 #include "errorlog/errorlog.h"
 #include "errorlog/resume.h"

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 #include "common/constants.h"
 #include "model/all_files.h"
@@ -60,8 +61,8 @@ TEST_F(ProjectFixture, AddShowsScansAndOffersEveryClassNode) {
 TEST_F(ProjectFixture, HeaderAndImplementationMeetUnderOneClassKey) {
     FilePtr h = files->Add(Path("src/view.h"), FILETYPE_DEFINITION);
     FilePtr cpp = files->Add(Path("src/view.cpp"), FILETYPE_IMPLEMENTATION);
-    ItemPtr declared = h->GetClass(u"CView")->Func(1);
-    ItemPtr defined = cpp->GetClass(u"cview")->Func(1);
+    ItemPtr declared = h->GetClass(u"CView")->func(1);
+    ItemPtr defined = cpp->GetClass(u"cview")->func(1);
     ASSERT_TRUE(declared && defined);
     EXPECT_EQ(declared->KeyVal, defined->KeyVal);
     EXPECT_EQ(files->FindClass(u"CVIEW", FILETYPE_DEFINITION), h->GetClass(u"CView"));

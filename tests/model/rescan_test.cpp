@@ -40,7 +40,7 @@ TEST_F(RescanFixture, KeepsWhatWasSeenAgainAppendsWhatIsNewRemovesWhatIsGone) {
     file->UpdateEmbeededFile(before);
     sink->Take();
     ClassPtr view = file->GetClass(u"CView");
-    ItemPtr draw = view->Func(1);
+    ItemPtr draw = view->func(1);
 
     test::TextLines after{u"class CView",           u"{",          u"public:",      u"  void Show();",
                           u"  void Draw(int x);",   u"  int m_b;", u"  int m_c;",   u"};"};
@@ -53,7 +53,7 @@ TEST_F(RescanFixture, KeepsWhatWasSeenAgainAppendsWhatIsNewRemovesWhatIsGone) {
     EXPECT_EQ(file->GetClass(u"CView"), view);
     EXPECT_EQ(NamesOf(view->Functions()), (Names{u"Draw", u"Show"}));
     EXPECT_EQ(NamesOf(view->Variables()), (Names{u"m_b", u"m_c"}));
-    EXPECT_EQ(view->Func(1), draw);  // the same object, refreshed
+    EXPECT_EQ(view->func(1), draw);  // the same object, refreshed
     EXPECT_EQ(draw->Line, 5);
     EXPECT_EQ(view->EndLine, 8);
     EXPECT_TRUE(file->Dirty);
