@@ -57,6 +57,8 @@ TEST(Loader, MissingFilesAndDirectoriesDoNotOpen) {
     EXPECT_EQ(loader.OpenError(), ENOENT);
     EXPECT_FALSE(loader.OpenFile("/tmp"));
     EXPECT_EQ(loader.OpenError(), EISDIR);
+    EXPECT_FALSE(loader.OpenFile("/dev/zero"));  // would never end
+    EXPECT_EQ(loader.OpenError(), ENOTSUP);
     EXPECT_EQ(loader.ReadLine(), u"");
     EXPECT_TRUE(loader.EndOfFile);
 }
