@@ -5,6 +5,10 @@
 #include <cwctype>
 #include <locale.h>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace kestrel {
 
 namespace {
@@ -36,14 +40,19 @@ const UpperTable& Table() {
 
 }  // namespace
 
-char16_t UpperUnit(char16_t c) {
-    if (c < 128) return (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - 32) : c;
-    return Table().map[c];
-}
+char16_t UpperUnitFromTable(char16_t c) { return Table().map[c]; }
 
 std::u16string UpperCase(std::u16string_view s) {
     std::u16string out(s);
-    for (auto& c : out) c = UpperUnit(c);
+    const UpperTable* table = nullptr;  // looked up only when a unit needs it
+    for (auto& c : out) {
+        if (c < 128) {
+            c = (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - 32) : c;
+        } else {
+            if (!table) table = &Table();
+            c = table->map[c];
+        }
+    }
     return out;
 }
 
@@ -55,16 +64,6 @@ std::u16string TrimSpaces(std::u16string_view s) {
 }
 
 namespace {
-
-void AppendCodePoint(std::u16string& out, char32_t cp) {
-    if (cp < 0x10000) {
-        out.push_back(static_cast<char16_t>(cp));
-    } else {
-        cp -= 0x10000;
-        out.push_back(static_cast<char16_t>(0xD800 + (cp >> 10)));
-        out.push_back(static_cast<char16_t>(0xDC00 + (cp & 0x3FF)));
-    }
-}
 
 // Length of the valid UTF-8 sequence starting at s[i] and its value, or 0 when the
 // byte at i does not start a valid sequence.
@@ -91,20 +90,54 @@ size_t DecodeOne(std::string_view s, size_t i, char32_t& cp) {
 
 std::u16string FromUtf8(std::string_view bytes) {
     std::u16string out;
-    out.reserve(bytes.size());
-    size_t i = 0;
+    AppendUtf8(out, bytes);
+    return out;
+}
+
+void AppendUtf8(std::u16string& out, std::string_view bytes) {
+    // Never more units than bytes: written in place, then cut to what was produced.
+    const size_t start = out.size();
+    out.resize(start + bytes.size());
+    char16_t* o = out.data() + start;
+    const unsigned char* in = reinterpret_cast<const unsigned char*>(bytes.data());
     const size_t n = bytes.size();
+    size_t i = 0;
     while (i < n) {
-        // Plain ASCII runs are the common case in source code.
-        unsigned char c = static_cast<unsigned char>(bytes[i]);
-        if (c < 0x80) { out.push_back(c); ++i; continue; }
+#if defined(__SSE2__)
+        // Plain ASCII runs are the common case in source code: sixteen bytes at a time.
+        while (i + 16 <= n) {
+            const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
+            if (_mm_movemask_epi8(chunk) != 0) break;
+            const __m128i zero = _mm_setzero_si128();
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(o), _mm_unpacklo_epi8(chunk, zero));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(o + 8), _mm_unpackhi_epi8(chunk, zero));
+            o += 16;
+            i += 16;
+        }
+        if (i >= n) break;
+#endif
+        unsigned char c = in[i];
+        if (c < 0x80) {
+            *o++ = c;
+            ++i;
+            continue;
+        }
         char32_t cp;
         size_t len = DecodeOne(bytes, i, cp);
-        if (len == 0) { out.push_back(c); ++i; continue; }
-        AppendCodePoint(out, cp);
-        i += len;
+        if (len == 0) {
+            *o++ = c;
+            ++i;
+        } else if (cp < 0x10000) {
+            *o++ = static_cast<char16_t>(cp);
+            i += len;
+        } else {
+            cp -= 0x10000;
+            *o++ = static_cast<char16_t>(0xD800 + (cp >> 10));
+            *o++ = static_cast<char16_t>(0xDC00 + (cp & 0x3FF));
+            i += len;
+        }
     }
-    return out;
+    out.resize(static_cast<size_t>(o - out.data()));
 }
 
 std::string ToUtf8(std::u16string_view text) {

@@ -6,8 +6,15 @@
 
 namespace kestrel {
 
+// The simple upper-case mapping of a code unit above 127, from a table built once.
+char16_t UpperUnitFromTable(char16_t c);
+
 // Simple upper-case mapping of one UTF-16 code unit (surrogates map to themselves).
-char16_t UpperUnit(char16_t c);
+// Keys are built unit by unit, so the ASCII case stays inline.
+inline char16_t UpperUnit(char16_t c) {
+    if (c < 128) return (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - 32) : c;
+    return UpperUnitFromTable(c);
+}
 // Every code unit mapped through UpperUnit. Collection keys are compared in this form.
 std::u16string UpperCase(std::u16string_view s);
 // Removes leading and trailing spaces (code 32) only; tabs and other blanks stay.
@@ -17,6 +24,8 @@ std::u16string TrimSpaces(std::u16string_view s);
 // values above U+10FFFF are invalid; every byte that is not part of a valid sequence
 // becomes the code point of the byte's value.
 std::u16string FromUtf8(std::string_view bytes);
+// As FromUtf8, appending to `out`.
+void AppendUtf8(std::u16string& out, std::string_view bytes);
 // UTF-16 out as UTF-8: a valid surrogate pair becomes one four-byte character, a lone
 // surrogate is written as its own three-byte sequence.
 std::string ToUtf8(std::u16string_view text);

@@ -51,11 +51,11 @@ private:
 }  // namespace
 
 std::u16string clsClassObject::MakeFuncKey__(std::u16string_view name, std::u16string_view params) {
-    std::u16string joined = UpperCase(std::u16string(name) + std::u16string(params));
     std::u16string key;
-    key.reserve(joined.size());
-    for (char16_t c : joined)
-        if (c != u' ') key += c;
+    key.reserve(name.size() + params.size());
+    for (std::u16string_view part : {name, params})
+        for (char16_t c : part)
+            if (c != u' ') key += UpperUnit(c);
     return key;
 }
 

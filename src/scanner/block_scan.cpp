@@ -5,6 +5,7 @@
 #include "errorlog/errorlog.h"
 #include "scanner/class_stack.h"
 #include "scanner/splice_text.h"
+#include "scanner/text_search.h"
 
 namespace kestrel {
 
@@ -25,8 +26,8 @@ void AddResult(std::vector<RWord>& results, std::u16string_view word, int32_t li
 
 // Cuts out every piece that opens and closes with `delim` on the line (string and
 // character literals). An unclosed one stays.
-void RemoveLiterals(std::u16string& line, std::u16string_view delim) {
-    if (line.empty() || delim.empty()) return;
+void RemoveLiterals(std::u16string& line, std::u16string_view delim, const UnitSet& present) {
+    if (line.empty() || delim.empty() || !present.MayHold(delim)) return;
     SpliceText text(line);
     size_t from = 0;
     for (;;) {
@@ -43,12 +44,12 @@ void RemoveLiterals(std::u16string& line, std::u16string_view delim) {
 // Position of the first of two keywords found as a whole word (the first tried
 // first), with the keyword that matched.
 int32_t FindEither(const SyntaxTable& syntax, std::u16string_view line, const RTriple& words,
-                   std::u16string_view& found) {
-    int32_t pos = syntax.CheckOneWord(line, words.StartWord.word, 1);
+                   std::u16string_view& found, const UnitSet& present) {
     found = words.StartWord.word;
+    int32_t pos = present.MayHold(found) ? syntax.CheckOneWord(line, found, 1) : 0;
     if (pos == 0) {
-        pos = syntax.CheckOneWord(line, words.EndWord.word, 1);
         found = words.EndWord.word;
+        pos = present.MayHold(found) ? syntax.CheckOneWord(line, found, 1) : 0;
     }
     return pos;
 }
@@ -75,12 +76,13 @@ public:
     LevelScanner(const SyntaxTable& syntax, int16_t nLang, std::vector<RWord>& results)
         : syntax_(syntax), nLang_(nLang), results_(results) {}
 
-    void ScanLine(std::u16string& L, int32_t i);
+    // `present` holds at least the units of L.
+    void ScanLine(std::u16string& L, int32_t i, const UnitSet& present);
 
 private:
     bool AtDeclarationLevel() const { return depth_ == stack_.Level() + 1; }
     void TakeScope(std::u16string_view text) {
-        int16_t found = CheckScope(syntax_, text);
+        int16_t found = CheckScope(syntax_, text, *present_);
         if (found >= 0) scope_ = found;
     }
     void SweepBlocks(std::u16string& L, int32_t i);
@@ -93,34 +95,36 @@ private:
     bool inProcedure_ = false;
     std::u16string candidate_;
     clsStack stack_;
+    const UnitSet* present_ = nullptr;  // of the line being scanned
 };
 
-void LevelScanner::ScanLine(std::u16string& L, int32_t i) {
-    RemoveLiterals(L, syntax_.StringDelim);
-    RemoveLiterals(L, syntax_.CharDelim);
+void LevelScanner::ScanLine(std::u16string& L, int32_t i, const UnitSet& present) {
+    present_ = &present;
+    RemoveLiterals(L, syntax_.StringDelim, present);
+    RemoveLiterals(L, syntax_.CharDelim, present);
 
     std::u16string_view word;
-    int32_t pos = FindEither(syntax_, L, syntax_.EndProcWords, word);
+    int32_t pos = FindEither(syntax_, L, syntax_.EndProcWords, word, present);
     if (pos != 0) {
         inProcedure_ = false;
         L.erase(WordStart(L, word, pos), word.size());
     }
 
-    if (FindEither(syntax_, L, syntax_.ProcWords, word) != 0) {
+    if (FindEither(syntax_, L, syntax_.ProcWords, word, present) != 0) {
         TakeScope(L);
         AddResult(results_, L, i, scope_, stack_.Data());
         L.clear();
         inProcedure_ = true;
     }
 
-    if (FindEither(syntax_, L, syntax_.VarWords, word) != 0 && !inProcedure_) {
+    if (FindEither(syntax_, L, syntax_.VarWords, word, present) != 0 && !inProcedure_) {
         AddResult(results_, L, i, kResultVariable, stack_.Data());
         L.clear();
     }
 
-    pos = syntax_.CheckOneWord(L, syntax_.ClassWord, 1);
+    pos = present.MayHold(syntax_.ClassWord) ? syntax_.CheckOneWord(L, syntax_.ClassWord, 1) : 0;
     if (pos != 0) {
-        if (L.find(u';') != npos) {
+        if (FindUnit(L, u';') != npos) {
             L.clear();  // a forward declaration
         } else {
             // A class word that ends the line reports -1, and the name is still read
@@ -141,10 +145,11 @@ void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
     const std::u16string& open = syntax_.BlockStart;
     const std::u16string& close = syntax_.BlockEnd;
     size_t cur = 0;
-    size_t p = L.find(open), q = L.find(close);
+    size_t p = present_->MayHold(open) ? FindText(L, open) : npos;
+    size_t q = present_->MayHold(close) ? FindText(L, close) : npos;
     while (cur < L.size()) {
-        if (p != npos && p < cur) p = L.find(open, cur);
-        if (q != npos && q < cur) q = L.find(close, cur);
+        if (p != npos && p < cur) p = FindText(L, open, cur);
+        if (q != npos && q < cur) q = FindText(L, close, cur);
         std::u16string_view rest = std::u16string_view(L).substr(cur);
         if (p == npos && q == npos) {
             if (AtDeclarationLevel()) {
@@ -189,11 +194,11 @@ void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
 
 }  // namespace
 
-int16_t CheckScope(const SyntaxTable& syntax, std::u16string_view line) {
+int16_t CheckScope(const SyntaxTable& syntax, std::u16string_view line, const UnitSet& present) {
     int16_t scope = -1;
     Trap(kModule, "Sub CheckScope", [&] {
         for (const RWord* w : {&syntax.ScopeWords.StartWord, &syntax.ScopeWords.MiddleWord, &syntax.ScopeWords.EndWord}) {
-            if (syntax.CheckOneWord(line, w->word, 1) != 0) {
+            if (present.MayHold(w->word) && syntax.CheckOneWord(line, w->word, 1) != 0) {
                 scope = w->Scope;
                 return;
             }
@@ -203,15 +208,16 @@ int16_t CheckScope(const SyntaxTable& syntax, std::u16string_view line) {
 }
 
 void TakeLevelsOut(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
-                   int16_t nLang, std::vector<RWord>& results) {
+                   int16_t nLang, std::vector<RWord>& results, const std::vector<UnitSet>* present) {
     LevelScanner scanner(syntax, nLang, results);
+    const UnitSet anything = UnitSet::Anything();
     std::u16string L;
     // A run-time error ends the pass; the line being worked on keeps its earlier text.
     Trap(kModule, "Sub TakeLevelsOut", [&] {
         for (int32_t i = 1; i <= lineCount; ++i) {
             std::u16string& stored = lines.at(static_cast<size_t>(i));
             L.assign(stored);
-            scanner.ScanLine(L, i);
+            scanner.ScanLine(L, i, present ? (*present)[static_cast<size_t>(i)] : anything);
             stored.assign(L);  // never longer than before, so no allocation
         }
     });

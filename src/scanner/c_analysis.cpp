@@ -22,14 +22,14 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
         std::u16string_view text = wrd.word;
         if (!text.empty() && text[0] == u'#') return;  // preprocessor lines
         if (text.substr(0, 7) == u"typedef") return;
-        size_t p = text.find(u'(');
+        size_t p = FindUnit(text, u'(');
         if (p == npos) {
             ProcessCVariable(wrd);
             return;
         }
-        size_t op = text.find(u"operator");
+        size_t op = FindText(text, u"operator");
         const bool isOperator = op != npos && op < p;
-        size_t eq = text.find(u'=');
+        size_t eq = FindUnit(text, u'=');
         if (eq != npos && eq < p && !isOperator) {
             ProcessCVariable(wrd);  // an initialiser that calls something
             return;
@@ -38,7 +38,7 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
         std::u16string head = TrimSpaces(text.substr(0, p));
         int32_t sep = -1;  // 1-based position of the name break before the name
         std::u16string className;
-        size_t c = head.find(u"::");
+        size_t c = FindText(head, u"::");
         if (c == npos) {
             className = wrd.Class;
         } else {
@@ -85,7 +85,7 @@ void CAnalysis::ProcessCVariable(RWord& wrd) {
         std::u16string& word = wrd.word;
         if (word.empty() || word[0] == u'#') return;
 
-        size_t semicolon = word.find(u';');
+        size_t semicolon = FindUnit(word, u';');
         if (semicolon != npos) {
             word.resize(semicolon);
         } else {

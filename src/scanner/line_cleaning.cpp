@@ -50,23 +50,47 @@ bool StripComments(SpliceText& text, const SyntaxTable& syntax) {
 
 }  // namespace
 
-std::u16string& CleanLine(std::u16string& line) {
+namespace {
+
+// One sweep, written without branches on the characters: a blank is kept only after
+// something that is not a blank, so leading blanks and runs both go.
+template <bool Collect>
+std::u16string& Clean(std::u16string& line, UnitSet* present) {
+    char16_t* text = line.data();
+    const size_t n = line.size();
     size_t out = 0;
-    for (char16_t c : line) {
-        if (c == u'\t') c = u' ';
-        if (c == u' ' && (out == 0 || line[out - 1] == u' ')) continue;
-        line[out++] = c;
+    bool afterBlank = true;
+    for (size_t i = 0; i < n; ++i) {
+        const char16_t c = text[i];
+        const bool blank = c == u' ' || c == u'\t';
+        text[out] = blank ? u' ' : c;
+        if constexpr (Collect) present->Add(text[out]);
+        out += !(blank && afterBlank);
+        afterBlank = blank;
     }
     line.resize(out);
     return line;
 }
 
-void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax) {
+}  // namespace
+
+std::u16string& CleanLine(std::u16string& line) { return Clean<false>(line, nullptr); }
+
+std::u16string& CleanLine(std::u16string& line, UnitSet& present) { return Clean<true>(line, &present); }
+
+void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
+                    const std::vector<UnitSet>* present) {
     Trap(kModule, "Sub RemoveComments", [&] {
+        const bool opens = !syntax.MultiCommentStart.empty(), ones = !syntax.OneLineComment.empty();
         bool inComment = false;
         for (int32_t i = 1; i <= lineCount; ++i) {
             std::u16string& line = lines.at(static_cast<size_t>(i));
             if (line.empty()) continue;
+            if (present && !inComment) {
+                const UnitSet& units = (*present)[static_cast<size_t>(i)];
+                if (!(opens && units.MayHold(syntax.MultiCommentStart)) && !(ones && units.MayHold(syntax.OneLineComment)))
+                    continue;  // no marker can start on this line
+            }
             SpliceText text(line);
             if (inComment) {
                 size_t e = text.Find(syntax.MultiCommentEnd, 0);

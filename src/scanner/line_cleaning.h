@@ -5,15 +5,21 @@
 #include <vector>
 
 #include "scanner/syntax.h"
+#include "scanner/unit_set.h"
 
 namespace kestrel {
 
 // Tabs become spaces, runs of spaces become one space, leading spaces go.
 // A trailing space survives. Changes `line` in place and returns it.
 std::u16string& CleanLine(std::u16string& line);
+// As CleanLine, recording in `present` every code unit the cleaned line holds.
+std::u16string& CleanLine(std::u16string& line, UnitSet& present);
 
 // Removes one-line and multi-line comments from lines 1 to lineCount, carrying an
 // open multi-line comment from line to line. Knows nothing of string literals.
-void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax);
+// `present`, when given, holds the units of each line (same indices as `lines`), so
+// lines that cannot hold a marker are passed over unread.
+void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
+                    const std::vector<UnitSet>* present = nullptr);
 
 }  // namespace kestrel

@@ -1,9 +1,10 @@
 #include "scanner/loader.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <string_view>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,17 +16,38 @@ namespace kestrel {
 namespace {
 
 constexpr std::string_view kModule = "clsLoader.cls";
+// A buffer larger than this goes back to the system when its file closes.
+constexpr size_t kKeptBufferBytes = size_t{16} << 20;
 
-bool ReadAll(int fd, std::string& out) {
-    char buffer[65536];
+// The storage the last closed loader of this thread left behind.
+ByteBuffer& SpareBuffer() {
+    thread_local ByteBuffer spare;
+    return spare;
+}
+
+void Reserve(ByteBuffer& buffer, size_t used, size_t wanted) {
+    if (wanted <= buffer.capacity) return;
+    size_t capacity = std::max(wanted, buffer.capacity * 2);
+    auto grown = std::make_unique_for_overwrite<unsigned char[]>(capacity);
+    if (used > 0) std::memcpy(grown.get(), buffer.data.get(), used);
+    buffer.data = std::move(grown);
+    buffer.capacity = capacity;
+}
+
+// Reads until the end of the file; `expected` is the size the system reported (0 for a
+// pipe), read in one call when it is right. False on a read error (errno is set).
+bool ReadAll(int fd, size_t expected, ByteBuffer& buffer, size_t& size) {
+    size = 0;
+    Reserve(buffer, 0, expected + 1);
     for (;;) {
-        ssize_t got = ::read(fd, buffer, sizeof buffer);
+        if (size == buffer.capacity) Reserve(buffer, size, std::max<size_t>(size * 2, 65536));
+        ssize_t got = ::read(fd, buffer.data.get() + size, buffer.capacity - size);
         if (got == 0) return true;
         if (got < 0) {
             if (errno == EINTR) continue;
             return false;
         }
-        out.append(buffer, static_cast<size_t>(got));
+        size += static_cast<size_t>(got);
     }
 }
 
@@ -51,34 +73,21 @@ bool clsLoader::OpenFile(const std::string& fileName) {
     else if (S_ISDIR(st.st_mode)) error = EISDIR;
     // Devices and sockets may never end; only files and pipes are read.
     else if (!S_ISREG(st.st_mode) && !S_ISFIFO(st.st_mode)) error = ENOTSUP;
-    else if (::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK) != 0) error = errno;
+    else if (S_ISFIFO(st.st_mode) && ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK) != 0) error = errno;
+    if (error == 0) {
+        std::swap(bytes_, SpareBuffer());
+        const size_t expected = S_ISREG(st.st_mode) && st.st_size > 0 ? static_cast<size_t>(st.st_size) : 0;
+        if (!ReadAll(fd, expected, bytes_, size_)) error = errno;
+    }
+    ::close(fd);
     if (error != 0) {
         openError_ = error;
-        ::close(fd);
+        size_ = 0;
         return false;
     }
-    if (S_ISREG(st.st_mode) && st.st_size > 0) {
-        void* map = ::mmap(nullptr, static_cast<size_t>(st.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
-        if (map != MAP_FAILED) {
-            ::madvise(map, static_cast<size_t>(st.st_size), MADV_SEQUENTIAL);
-            data_ = static_cast<const unsigned char*>(map);
-            size_ = static_cast<size_t>(st.st_size);
-            mapped_ = true;
-        }
-    }
-    if (!mapped_) {
-        // Pipes and files whose size the system does not know.
-        if (!ReadAll(fd, owned_)) {
-            openError_ = errno;
-            owned_.clear();
-            ::close(fd);
-            return false;
-        }
-        data_ = reinterpret_cast<const unsigned char*>(owned_.data());
-        size_ = owned_.size();
-    }
-    fd_ = fd;
+    open_ = true;
     fileName_ = fileName;
+    data_ = bytes_.data.get();
     pos_ = 0;
     encoding_ = Encoding::Utf8;
     if (size_ >= 3 && data_[0] == 0xEF && data_[1] == 0xBB && data_[2] == 0xBF) {
@@ -95,28 +104,36 @@ bool clsLoader::OpenFile(const std::string& fileName) {
 
 std::u16string clsLoader::ReadLine() {
     std::u16string line;
-    if (fd_ < 0 || EndOfFile || pos_ >= size_) {
+    ReadLineInto(line);
+    return line;
+}
+
+void clsLoader::ReadLineInto(std::u16string& line) {
+    line.clear();
+    if (!open_ || EndOfFile || pos_ >= size_) {
         EndOfFile = true;
-        return line;
+        return;
     }
     Trap(kModule, "Function ReadLine", [&] {
-        line = encoding_ == Encoding::Utf8 ? ReadUtf8Line() : ReadUtf16Line();
+        if (encoding_ == Encoding::Utf8) ReadUtf8Line(line);
+        else ReadUtf16Line(line);
     });
-    return line;
 }
 
-std::u16string clsLoader::ReadUtf8Line() {
+void clsLoader::ReadUtf8Line(std::u16string& line) {
     // CR and LF bytes never occur inside a multi-byte sequence, so the line can be
     // cut before it is decoded.
-    size_t end = pos_;
-    while (end < size_ && data_[end] != '\n' && data_[end] != '\r') ++end;
-    std::u16string line = FromUtf8(std::string_view(reinterpret_cast<const char*>(data_ + pos_), end - pos_));
+    const unsigned char* start = data_ + pos_;
+    const void* lf = std::memchr(start, '\n', size_ - pos_);
+    size_t end = lf ? static_cast<size_t>(static_cast<const unsigned char*>(lf) - data_) : size_;
+    const void* cr = std::memchr(start, '\r', end - pos_);
+    if (cr) end = static_cast<size_t>(static_cast<const unsigned char*>(cr) - data_);
+    AppendUtf8(line, std::string_view(reinterpret_cast<const char*>(start), end - pos_));
     pos_ = end;
     if (pos_ < size_) pos_ += (data_[pos_] == '\r' && pos_ + 1 < size_ && data_[pos_ + 1] == '\n') ? 2 : 1;
-    return line;
 }
 
-std::u16string clsLoader::ReadUtf16Line() {
+void clsLoader::ReadUtf16Line(std::u16string& line) {
     const bool little = encoding_ == Encoding::Utf16Le;
     // A final odd byte is one code unit of its own value.
     auto unitAt = [&](size_t i, size_t& width) -> char16_t {
@@ -128,7 +145,6 @@ std::u16string clsLoader::ReadUtf16Line() {
         return little ? static_cast<char16_t>(data_[i] | (data_[i + 1] << 8))
                       : static_cast<char16_t>((data_[i] << 8) | data_[i + 1]);
     };
-    std::u16string line;
     size_t width = 0;
     while (pos_ < size_) {
         char16_t c = unitAt(pos_, width);
@@ -140,19 +156,16 @@ std::u16string clsLoader::ReadUtf16Line() {
         }
         line.push_back(c);
     }
-    return line;
 }
 
 void clsLoader::CloseFile() {
-    if (fd_ < 0) return;
-    if (mapped_) ::munmap(const_cast<unsigned char*>(data_), size_);
-    owned_.clear();
-    owned_.shrink_to_fit();
+    if (!open_) return;
+    // The descriptor closed as soon as the file was read; the bytes go back to the pool.
+    if (bytes_.capacity <= kKeptBufferBytes && bytes_.capacity > SpareBuffer().capacity) std::swap(bytes_, SpareBuffer());
+    bytes_ = ByteBuffer{};
     data_ = nullptr;
     size_ = pos_ = 0;
-    mapped_ = false;
-    ::close(fd_);
-    fd_ = -1;
+    open_ = false;
 }
 
 }  // namespace kestrel

@@ -4,9 +4,16 @@
 // ends at CR LF, CR or LF.
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace kestrel {
+
+// Uninitialised, growable byte storage (a std::string would zero what it grows by).
+struct ByteBuffer {
+    std::unique_ptr<unsigned char[]> data;
+    size_t capacity = 0;
+};
 
 class clsLoader {
 public:
@@ -26,6 +33,8 @@ public:
     // The next line without its line end. Reading past the last line fails: it gives
     // an empty line and sets EndOfFile, so every file yields one extra empty line.
     std::u16string ReadLine();
+    // As ReadLine, into `line` (its old text replaced, its storage reused).
+    void ReadLineInto(std::u16string& line);
     void CloseFile();
 
     // errno of the last OpenFile that failed, for messages.
@@ -34,18 +43,18 @@ public:
 private:
     enum class Encoding { Utf8, Utf16Le, Utf16Be };
 
-    std::u16string ReadUtf8Line();
-    std::u16string ReadUtf16Line();
+    void ReadUtf8Line(std::u16string& line);
+    void ReadUtf16Line(std::u16string& line);
 
-    int fd_ = -1;
+    bool open_ = false;
     std::string fileName_;
     int openError_ = 0;
-    // The file's bytes: mapped when it is a regular file, else read into owned_.
+    // The whole file, read at once when it opens. The storage is handed from one loader
+    // to the next on the same thread, so scanning many files does not allocate per file.
+    ByteBuffer bytes_;
     const unsigned char* data_ = nullptr;
     size_t size_ = 0;
     size_t pos_ = 0;
-    bool mapped_ = false;
-    std::string owned_;
     Encoding encoding_ = Encoding::Utf8;
 };
 

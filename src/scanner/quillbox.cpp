@@ -26,43 +26,76 @@ constexpr char kResultDumpFile[] = "c:\\debug_result.txt";
 // that run over several lines reach the block pass one line at a time.
 void ParseInclude() {}
 
+// Line storage handed from one scan to the next on the same thread, so that a scan
+// allocates only for lines longer than any seen before. Bounded, so a huge file does
+// not keep its memory after its scan.
+struct LinePool {
+    static constexpr size_t kMaxLines = 1 << 16;
+    static constexpr size_t kMaxUnits = 512;
+    std::vector<std::u16string> spare;
+    std::vector<std::u16string> array;  // an empty line array with its capacity
+};
+
+LinePool& Pool() {
+    thread_local LinePool pool;
+    return pool;
+}
+
 }  // namespace
 
 void clsQuillbox::StartScan(ScanOutput& output, int16_t nLang) {
-    lines_.assign(1, std::u16string());
+    ReleaseLines();
+    if (lines_.capacity() == 0) lines_.swap(Pool().array);
+    lines_.emplace_back();
+    units_.assign(1, UnitSet::Anything());
     lineCount_ = 0;
     syntax.MakeSyntax(output, nLang);
     results_.clear();
 }
 
-void clsQuillbox::StoreLine(std::u16string raw) {
+std::u16string& clsQuillbox::NewLine() {
     ++lineCount_;
-    // A line holding line feeds becomes one line per piece; the counter runs on.
-    size_t lf = raw.find(u'\n');
-    if (lf == std::u16string::npos) {
-        lines_.push_back(std::move(CleanLine(raw)));
-        return;
+    std::vector<std::u16string>& spare = Pool().spare;
+    if (spare.empty()) return lines_.emplace_back();
+    std::u16string& line = lines_.emplace_back(std::move(spare.back()));
+    spare.pop_back();
+    return line;
+}
+
+void clsQuillbox::CleanNewLine() { CleanLine(lines_.back(), units_.emplace_back()); }
+
+void clsQuillbox::ReleaseLines() {
+    LinePool& pool = Pool();
+    for (std::u16string& line : lines_) {
+        if (pool.spare.size() >= LinePool::kMaxLines) break;
+        if (line.capacity() <= LinePool::kMaxUnits) pool.spare.push_back(std::move(line));
     }
-    std::u16string_view rest = raw;
-    do {
-        std::u16string piece(rest.substr(0, lf));
-        lines_.push_back(std::move(CleanLine(piece)));
-        rest.remove_prefix(lf + 1);
-        ++lineCount_;
-    } while ((lf = rest.find(u'\n')) != std::u16string_view::npos);
-    std::u16string last(rest);
-    lines_.push_back(std::move(CleanLine(last)));
+    lines_.clear();
+    units_.clear();
+    if (lines_.capacity() <= LinePool::kMaxLines && lines_.capacity() > pool.array.capacity()) lines_.swap(pool.array);
+    lines_ = {};
+}
+
+void clsQuillbox::StoreLine(std::u16string_view raw) {
+    // A line holding line feeds becomes one line per piece; the counter runs on.
+    size_t lf;
+    while ((lf = raw.find(u'\n')) != std::u16string_view::npos) {
+        NewLine().assign(raw.substr(0, lf));
+        CleanNewLine();
+        raw.remove_prefix(lf + 1);
+    }
+    NewLine().assign(raw);
+    CleanNewLine();
 }
 
 void clsQuillbox::RunPasses(ScanOutput& output, int16_t nLang) {
-    RemoveComments(lines_, lineCount_, syntax);
+    RemoveComments(lines_, lineCount_, syntax, &units_);
     ParseInclude();
     if (beforeBlockPass_) beforeBlockPass_(*this);
-    TakeLevelsOut(lines_, lineCount_, syntax, nLang, results_);
+    TakeLevelsOut(lines_, lineCount_, syntax, nLang, results_, &units_);
     SecondPass(output, nLang);
     // The line array goes; the results stay until the next scan.
-    lines_.clear();
-    lines_.shrink_to_fit();
+    ReleaseLines();
 }
 
 bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
@@ -72,7 +105,11 @@ bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
         loader.Init();
         StartScan(output, nLang);
         if (!loader.OpenFile(ToUtf8(output.FileName()))) return;
-        while (!loader.EndOfFile) StoreLine(loader.ReadLine());
+        // The reader never returns a line feed, so its lines need no splitting.
+        while (!loader.EndOfFile) {
+            loader.ReadLineInto(NewLine());
+            CleanNewLine();
+        }
         loader.CloseFile();
         RunPasses(output, nLang);
         scanned = true;

@@ -9,6 +9,7 @@
 #include "scanner/rword.h"
 #include "scanner/scan_output.h"
 #include "scanner/syntax.h"
+#include "scanner/unit_set.h"
 
 namespace kestrel {
 
@@ -40,11 +41,17 @@ public:
 
 private:
     void StartScan(ScanOutput& output, int16_t nLang);
-    void StoreLine(std::u16string raw);
+    // The next entry of the line array, with storage left by earlier scans.
+    std::u16string& NewLine();
+    // Cleans the newest line and records its units.
+    void CleanNewLine();
+    void StoreLine(std::u16string_view raw);
+    void ReleaseLines();
     void RunPasses(ScanOutput& output, int16_t nLang);
     void SecondPass(ScanOutput& output, int16_t nLang);
 
     std::vector<std::u16string> lines_;
+    std::vector<UnitSet> units_;  // the code units of each line, same indices as lines_
     int32_t lineCount_ = 0;
     std::vector<RWord> results_;
     std::function<void(const clsQuillbox&)> beforeBlockPass_;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "scanner/text_search.h"
+
 namespace kestrel {
 
 bool SpliceText::MatchesAt(size_t i, std::u16string_view pattern) const {
@@ -23,7 +25,7 @@ size_t SpliceText::Find(std::u16string_view pattern, size_t from, size_t before)
     size_t start = rest_ + (std::max(from, kept_) - kept_);
     size_t stop = std::min(buf_.size(), rest_ + (before - kept_) - 1 + pattern.size());
     if (start > stop) return npos;
-    size_t at = std::u16string_view(buf_).substr(start, stop - start).find(pattern);
+    size_t at = FindText(std::u16string_view(buf_).substr(start, stop - start), pattern);
     return at == npos ? npos : start + at - rest_ + kept_;
 }
 

@@ -3,6 +3,7 @@
 #include "common/constants.h"
 #include "errorlog/errorlog.h"
 #include "scanner/scan_output.h"
+#include "scanner/text_search.h"
 
 namespace kestrel {
 
@@ -120,7 +121,7 @@ int32_t SyntaxTable::CheckOneWord(std::u16string_view line, std::u16string_view 
     if (word.empty()) return 0;
     size_t from = start > 0 ? static_cast<size_t>(start - 1) : 0;
     if (from > line.size()) return 0;
-    size_t at = line.find(word, from);
+    size_t at = FindText(line, word, from);
     if (at == std::u16string_view::npos) return 0;
     if (at > 0 && !IsSeparatorLow8(line[at - 1])) return 0;
     size_t after = at + word.size();

@@ -1,13 +1,20 @@
 #include "scanner/text_search.h"
 
+#include <cstring>
 #include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace kestrel {
 
 namespace {
 
-// Up to this length the library's search is linear enough (its worst case is
-// proportional to the text times the needle length).
+constexpr size_t npos = std::u16string_view::npos;
+
+// Up to this length a candidate is checked unit by unit; longer needles go to
+// Knuth-Morris-Pratt, whose cost does not grow with the needle.
 constexpr size_t kShortNeedle = 32;
 
 // Knuth-Morris-Pratt over index accessors, so one routine searches both directions.
@@ -24,28 +31,100 @@ size_t KmpSearch(size_t hayLength, Hay hay, size_t needleLength, Needle needle) 
         if (hay(i) == needle(k)) ++k;
         if (k == needleLength) return i + 1 - needleLength;
     }
-    return std::u16string_view::npos;
+    return npos;
+}
+
+bool SameUnits(const char16_t* a, const char16_t* b, size_t n) {
+    return std::memcmp(a, b, n * sizeof(char16_t)) == 0;
+}
+
+// A short needle: candidates are the places where its first and its last unit both
+// stand at the right distance, found eight places at a time; each is then compared.
+size_t ShortSearch(std::u16string_view hay, std::u16string_view needle, size_t from) {
+    const size_t n = needle.size();
+    const char16_t* h = hay.data();
+    const size_t last = n - 1;
+    if (hay.size() < n) return npos;
+    const size_t end = hay.size() - n + 1;  // candidates lie in [from, end)
+    size_t i = from;
+#if defined(__SSE2__)
+    if (end >= 8) {
+        const __m128i first = _mm_set1_epi16(static_cast<short>(needle[0]));
+        const __m128i lastUnit = _mm_set1_epi16(static_cast<short>(needle[last]));
+        // The final block overlaps the one before it; the places already tried are masked off.
+        for (unsigned skip = 0; i < end; i += 8) {
+            if (i + 8 > end) {
+                skip = static_cast<unsigned>(i - (end - 8)) * 2;
+                i = end - 8;
+            }
+            const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i));
+            const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i + last));
+            unsigned mask = static_cast<unsigned>(
+                _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi16(a, first), _mm_cmpeq_epi16(b, lastUnit))));
+            mask &= ~((1u << skip) - 1);
+            while (mask != 0) {
+                const size_t at = i + static_cast<size_t>(__builtin_ctz(mask)) / 2;
+                if (n <= 2 || SameUnits(h + at + 1, needle.data() + 1, n - 2)) return at;
+                mask &= ~(3u << __builtin_ctz(mask));  // both bits of the lane
+            }
+        }
+        return npos;
+    }
+#endif
+    for (; i < end; ++i) {
+        if (h[i] == needle[0] && h[i + last] == needle[last] && (n <= 2 || SameUnits(h + i + 1, needle.data() + 1, n - 2)))
+            return i;
+    }
+    return npos;
 }
 
 }  // namespace
 
+size_t FindUnit(std::u16string_view hay, char16_t unit, size_t from) {
+    const char16_t* h = hay.data();
+    const size_t size = hay.size();
+    size_t i = from;
+#if defined(__SSE2__)
+    if (size >= 8) {
+        const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
+        // The final block overlaps the one before it; the places already tried are masked off.
+        for (unsigned skip = 0; i < size; i += 8) {
+            if (i + 8 > size) {
+                skip = static_cast<unsigned>(i - (size - 8)) * 2;
+                i = size - 8;
+            }
+            const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i));
+            unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(a, wanted)));
+            mask &= ~((1u << skip) - 1);
+            if (mask != 0) return i + static_cast<size_t>(__builtin_ctz(mask)) / 2;
+        }
+        return npos;
+    }
+#endif
+    for (; i < size; ++i)
+        if (h[i] == unit) return i;
+    return npos;
+}
+
 size_t FindText(std::u16string_view hay, std::u16string_view needle, size_t from) {
-    if (from > hay.size()) return std::u16string_view::npos;
-    if (needle.size() <= kShortNeedle) return hay.find(needle, from);
+    if (from > hay.size()) return npos;
+    if (needle.empty()) return from;
+    if (needle.size() == 1) return FindUnit(hay, needle[0], from);
+    if (needle.size() <= kShortNeedle) return ShortSearch(hay, needle, from);
     std::u16string_view rest = hay.substr(from);
     size_t at = KmpSearch(
         rest.size(), [&](size_t i) { return rest[i]; }, needle.size(), [&](size_t i) { return needle[i]; });
-    return at == std::u16string_view::npos ? at : at + from;
+    return at == npos ? at : at + from;
 }
 
 size_t FindLastText(std::u16string_view hay, std::u16string_view needle) {
     if (needle.size() <= kShortNeedle) return hay.rfind(needle);
-    if (needle.size() > hay.size()) return std::u16string_view::npos;
+    if (needle.size() > hay.size()) return npos;
     // Search the reversed needle in the reversed text.
     const size_t h = hay.size(), n = needle.size();
     size_t at = KmpSearch(
         h, [&](size_t i) { return hay[h - 1 - i]; }, n, [&](size_t i) { return needle[n - 1 - i]; });
-    return at == std::u16string_view::npos ? at : h - at - n;
+    return at == npos ? at : h - at - n;
 }
 
 }  // namespace kestrel

@@ -1,13 +1,18 @@
 #pragma once
-// Substring searches whose cost stays linear in the searched text, also when the
-// searched-for text is long (names cut from a hostile 10 MB line can be).
+// Substring searches over UTF-16 text. Every pass of the scanner looks for its
+// delimiters and keywords in every line, so these run eight code units at a time where
+// the processor allows it, and their cost stays linear in the searched text also when
+// the searched-for text is long (names cut from a hostile 10 MB line can be).
 #include <cstddef>
 #include <string_view>
 
 namespace kestrel {
 
-// First occurrence of needle in hay at or after index `from`; npos when absent.
+// First occurrence of needle in hay at or after index `from`; npos when absent. An
+// empty needle is found at `from` when `from` lies within the text.
 size_t FindText(std::u16string_view hay, std::u16string_view needle, size_t from = 0);
+// First occurrence of one code unit at or after `from`; npos when absent.
+size_t FindUnit(std::u16string_view hay, char16_t unit, size_t from = 0);
 // Last occurrence of needle in hay; npos when absent.
 size_t FindLastText(std::u16string_view hay, std::u16string_view needle);
 

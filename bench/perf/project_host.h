@@ -1,0 +1,29 @@
+#pragma once
+// A TreeView on the in-memory platform, driven as a host drives it, for the
+// project-level measurements of kestrel_perf.
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "control/memory/memory_platform.h"
+#include "control/tree_view.h"
+
+namespace kestrel::perf {
+
+struct BenchHost {
+    MemoryPlatform platform;
+    std::shared_ptr<TreeView> view = TreeView::Create(platform.Get());
+};
+
+// Functions plus variables over every class of every file.
+long long CountItems(TreeView& view);
+
+// Headers declaring `classesPerFile` classes of `functionsPerClass` functions each, and
+// implementations defining them; returns the paths, headers first in each pair.
+std::vector<std::string> WriteClassFiles(const std::string& folder, int files, int classesPerFile,
+                                         int functionsPerClass);
+
+// Every class node under the project roots of the class tree.
+std::vector<NodeId> ClassNodes(MemoryTree& tree);
+
+}  // namespace kestrel::perf

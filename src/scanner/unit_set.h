@@ -1,0 +1,40 @@
+#pragma once
+// Which code units a line holds, recorded while the line is cleaned. The passes look
+// for a handful of delimiters and keywords in every line; most lines hold none of
+// them, and the set answers that without reading the line again. Lines only ever lose
+// characters after they are cleaned, so the set recorded then stays a superset.
+#include <cstdint>
+#include <string_view>
+
+namespace kestrel {
+
+class UnitSet {
+public:
+    // A set that may hold anything: every search runs.
+    static UnitSet Anything() {
+        UnitSet s;
+        s.bits_[0] = s.bits_[1] = ~uint64_t{0};
+        s.other_ = true;
+        return s;
+    }
+
+    void Add(char16_t c) {
+        if (c < 128) bits_[c >> 6] |= uint64_t{1} << (c & 63);
+        else other_ = true;
+    }
+
+    // False only when some unit of `pattern` is certainly absent, so the pattern cannot
+    // occur. Units above 127 are not told apart.
+    bool MayHold(std::u16string_view pattern) const {
+        for (char16_t c : pattern) {
+            if (c >= 128 ? !other_ : ((bits_[c >> 6] >> (c & 63)) & 1) == 0) return false;
+        }
+        return true;
+    }
+
+private:
+    uint64_t bits_[2] = {0, 0};
+    bool other_ = false;
+};
+
+}  // namespace kestrel
