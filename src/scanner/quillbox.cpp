@@ -34,6 +34,7 @@ struct LinePool {
     static constexpr size_t kMaxUnits = 512;
     std::vector<std::u16string> spare;
     std::vector<std::u16string> array;  // an empty line array with its capacity
+    std::vector<UnitSet> units;         // an empty unit-set array with its capacity
 };
 
 LinePool& Pool() {
@@ -46,8 +47,9 @@ LinePool& Pool() {
 void clsQuillbox::StartScan(ScanOutput& output, int16_t nLang) {
     ReleaseLines();
     if (lines_.capacity() == 0) lines_.swap(Pool().array);
+    if (units_.capacity() == 0) units_.swap(Pool().units);
     lines_.emplace_back();
-    units_.assign(1, UnitSet::Anything());
+    units_.push_back(UnitSet::Anything());
     lineCount_ = 0;
     syntax.MakeSyntax(output, nLang);
     results_.clear();
@@ -73,7 +75,9 @@ void clsQuillbox::ReleaseLines() {
     lines_.clear();
     units_.clear();
     if (lines_.capacity() <= LinePool::kMaxLines && lines_.capacity() > pool.array.capacity()) lines_.swap(pool.array);
+    if (units_.capacity() <= LinePool::kMaxLines && units_.capacity() > pool.units.capacity()) units_.swap(pool.units);
     lines_ = {};
+    units_ = {};
 }
 
 void clsQuillbox::StoreLine(std::u16string_view raw) {
