@@ -180,6 +180,7 @@ void TreeView::AddEntry(bool isFunction, const ItemPtr& item, const ClassPtr& cl
                                  : classTree_->AddLastChild(folder, key, text, image);
     }
     std::u16string tag = SetATag__(node, item->UserData);
+    if (tag.empty()) tag = u"0";  // SetATag__ failed and has reported why
     tag[0] = static_cast<char16_t>(u'0' + ((tag[0] - u'0') | FileBit(file)));
     classTree_->SetTag(node, tag);
 }
