@@ -70,6 +70,7 @@ public:
     bool AsyncLoad();
     void AsyncLoad(bool value);
     bool CreateBackup() override;
+    void ClearProjectBeforeRead() override;
     void CreateBackup(bool value);
 
     // Project commands.

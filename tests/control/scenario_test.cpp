@@ -121,6 +121,25 @@ TEST_F(Scenario, CloseProjectSavesNewProjectDoesNotAndAMissingFileNamesTheNextSa
     EXPECT_EQ(view->GetProjectName(), u"Copy");
 }
 
+TEST_F(Scenario, LoadingAProjectReplacesTheOneShownAndARefusedFileKeepsIt) {
+    view->NewProject(Path("a.kpr"), LANGUAGE_C, 1);
+    view->files()->Add(Write("a.cpp", "void A::Run()\n{\n}\n"), FILETYPE_IMPLEMENTATION);
+    ASSERT_TRUE(view->Save());
+    view->NewProject(Path("b.kpr"), LANGUAGE_C, 2);
+    view->files()->Add(Write("b.cpp", "void B::Go()\n{\n}\n"), FILETYPE_IMPLEMENTATION);
+    ASSERT_TRUE(view->Save());
+
+    ASSERT_TRUE(view->Load(Path("a.kpr")));
+    ASSERT_EQ(view->files()->count(), 1);
+    EXPECT_EQ(view->files()->item(1)->FileName(), Path("a.cpp"));
+    EXPECT_EQ(Outline(0), "a\n  A\n    |\n");
+
+    Write("junk.kpr", "not a project file at all");
+    EXPECT_FALSE(view->Load(Path("junk.kpr")));
+    ASSERT_EQ(view->files()->count(), 1);
+    EXPECT_EQ(view->files()->item(1)->FileName(), Path("a.cpp"));
+}
+
 TEST_F(Scenario, RemovingAFileKeepsWhatTheOtherFilesDefine) {
     view->NewProject(Path("p.kpr"), LANGUAGE_C, 0);
     AllFilesPtr files = view->files();
