@@ -197,6 +197,7 @@ AllFilesPtr TreeView::files() {
 void TreeView::files(AllFilesPtr value) {
     Trap(kModule, "Property (Set) files", [&] {
         files_ = std::move(value);
+        holders_.Invalidate();
         site_->PropertyChanged("Files");
     });
 }
@@ -227,7 +228,16 @@ void TreeView::NewProject(const std::u16string& szFileName, int32_t nLanguage, i
         language_ = nLanguage;
         id_ = nId;
         projectName_ = ExtractFilename__(fileName_, 1);
+        // Forget the previous project's folder: the new one is taken from FileName when
+        // a file is first made relative, so its files are never stored against the old one.
+        projectDir_.clear();
     });
+}
+
+void TreeView::ClearProjectBeforeRead() {
+    EmptyProject();
+    RemoveAll__();
+    if (async_) TimedLoad().Enabled(true);
 }
 
 void TreeView::CloseProject() {

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "common/constants.h"
+#include "control/class_holders.h"
 #include "control/paths.h"
 #include "control/platform/platform.h"
 #include "control/tree_view_events.h"
@@ -69,6 +70,7 @@ public:
     bool AsyncLoad();
     void AsyncLoad(bool value);
     bool CreateBackup() override;
+    void ClearProjectBeforeRead() override;
     void CreateBackup(bool value);
 
     // Project commands.
@@ -169,6 +171,7 @@ private:
     NodeId currentFolder_ = kNoNode;
     std::u16string currentClassName_;
     NodeId expanding_ = kNoNode;  // the class node tView_Expand is filling
+    ClassHolders holders_;
 };
 
 }  // namespace kestrel

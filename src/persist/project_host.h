@@ -19,6 +19,10 @@ public:
     virtual void ID(int32_t id) = 0;
     // Whether Save keeps the previous project file as FileName + ".bak".
     virtual bool CreateBackup() = 0;
+    // Called once a project file has proved readable, right before its files are read:
+    // the project it holds replaces the one shown. A file that is missing or refused
+    // never gets here, so the current project is kept.
+    virtual void ClearProjectBeforeRead() {}
 };
 
 }  // namespace kestrel

@@ -161,6 +161,7 @@ bool clsSaveIntoFile::Load(const std::u16string& szFileName, ProjectHost& ctl, c
             ctl.Language(first);  // an unsigned file starts with its language
         }
         ctl.ID(in.LoadNumeric());
+        ctl.ClearProjectBeforeRead();
         files.LoadFromBinaryFile(version);
         ctl.FileName(szFileName);
         in.CloseFile();

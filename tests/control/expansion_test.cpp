@@ -106,6 +106,30 @@ TEST_F(Expansion, UpdatingAllFilesFoldsEveryClass) {
     EXPECT_EQ(ChildKeys(Node(u"--Extra")), (std::vector<std::u16string>{u"''Extra"}));
 }
 
+TEST_F(Expansion, FilesAddedOrRemovedLaterTakePartInTheFilling) {
+    platform.classTree.UserExpand(shapeNode);  // the project as loaded
+    platform.classTree.UserCollapse(shapeNode);
+    view->files()->Add(Write("more.cpp", "void Shape::Extra() {\n}\n"), FILETYPE_IMPLEMENTATION);
+    EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);  // the class waits for its expansion
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_NE(Node(u"!!Shape::EXTRA()"), kNoNode);
+    EXPECT_TRUE(view->files()->Remove(Path("more.cpp")));
+    EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);
+    platform.classTree.UserCollapse(shapeNode);
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_EQ(Outline(0, true), filled);
+}
+
+TEST_F(Expansion, AFailingHandlerIsReportedAndTheHostGoesOn) {
+    platform.classTree.Remove(shapeNode);
+    view->tView_Expand(0, shapeNode);
+    ASSERT_EQ(errors.reports.size(), 1u);
+    EXPECT_EQ(errors.reports[0].module, "TreeView.ctl");
+    EXPECT_EQ(errors.reports[0].title, "Sub tView_Expand");
+    view->files()->UpdateAllFiles();  // the control still works
+    EXPECT_NE(Node(u"--Shape"), kNoNode);
+}
+
 TEST_F(Expansion, FormFilesAreSkippedWhenFilling) {
     // A form is never scanned, but a project file may say a scanned file is one.
     view->files()->FindFile(Path("shape.h"))->FileType(FILETYPE_FORM);
