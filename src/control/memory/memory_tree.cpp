@@ -1,0 +1,277 @@
+#include "control/memory/memory_tree.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "control/text_order.h"
+#include "errorlog/errorlog.h"
+
+namespace kestrel {
+
+namespace {
+constexpr int kErrKeyNotUnique = 35602;
+constexpr int kErrNoSuchNode = 35605;
+}  // namespace
+
+struct MemoryTree::Node {
+    NodeId id = kNoNode;
+    std::u16string key;
+    std::u16string text;
+    std::u16string tag;
+    int16_t image = 0;
+    int16_t expandedImage = 0;
+    bool expanded = false;
+    Node* parent = nullptr;
+    Node* first = nullptr;
+    Node* last = nullptr;
+    Node* prev = nullptr;
+    Node* next = nullptr;
+    int32_t childCount = 0;
+    // Present while the sorted-children switch is on; iterates in the children's order.
+    std::unique_ptr<Order> order;
+    Order::iterator place;  // this node's entry in its parent's order, when the parent sorts
+};
+
+bool MemoryTree::TextLess::operator()(const Node* a, const Node* b) const {
+    return CompareCaseBlind(a->text, b->text) < 0;
+}
+
+MemoryTree::MemoryTree() : root_(std::make_unique<Node>()) {}
+MemoryTree::~MemoryTree() = default;
+
+MemoryTree::Node& MemoryTree::At(NodeId node) const {
+    auto it = nodes_.find(node);
+    if (it == nodes_.end()) throw RuntimeError(kErrNoSuchNode, "Control's collection has been modified");
+    return *it->second;
+}
+
+MemoryTree::Node& MemoryTree::ParentAt(NodeId node) const { return node == kNoNode ? *root_ : At(node); }
+
+void MemoryTree::Link(Node& parent, Node* before, Node* n) {
+    if (parent.order) {
+        // The ordered index decides: a multiset inserts after every equal text.
+        n->place = parent.order->insert(n);
+        auto after = std::next(n->place);
+        before = after == parent.order->end() ? nullptr : *after;
+    }
+    n->parent = &parent;
+    n->next = before;
+    n->prev = before ? before->prev : parent.last;
+    (n->prev ? n->prev->next : parent.first) = n;
+    (before ? before->prev : parent.last) = n;
+    ++parent.childCount;
+}
+
+void MemoryTree::Unlink(Node* n) {
+    Node& parent = *n->parent;
+    if (parent.order) parent.order->erase(n->place);
+    (n->prev ? n->prev->next : parent.first) = n->next;
+    (n->next ? n->next->prev : parent.last) = n->prev;
+    n->prev = n->next = nullptr;
+    n->parent = nullptr;
+    --parent.childCount;
+}
+
+NodeId MemoryTree::Insert(Node& parent, Node* before, std::u16string_view key, std::u16string_view text,
+                          int16_t image) {
+    if (!key.empty() && keys_.count(std::u16string(key)))
+        throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
+    auto owned = std::make_unique<Node>();
+    Node* n = owned.get();
+    n->id = ++lastId_;
+    n->key = key;
+    n->text = text;
+    n->image = image;
+    nodes_.emplace(n->id, std::move(owned));
+    if (!key.empty()) keys_.emplace(n->key, n);
+    Link(parent, before, n);
+    return n->id;
+}
+
+NodeId MemoryTree::AddRoot(std::u16string_view key, std::u16string_view text, int16_t image) {
+    return Insert(*root_, nullptr, key, text, image);
+}
+
+NodeId MemoryTree::AddLastChild(NodeId parent, std::u16string_view key, std::u16string_view text,
+                                int16_t image) {
+    return Insert(At(parent), nullptr, key, text, image);
+}
+
+NodeId MemoryTree::AddBefore(NodeId sibling, std::u16string_view key, std::u16string_view text,
+                             int16_t image) {
+    Node& s = At(sibling);
+    return Insert(*s.parent, &s, key, text, image);
+}
+
+NodeId MemoryTree::Find(std::u16string_view key) const {
+    auto it = keys_.find(std::u16string(key));
+    return it == keys_.end() ? kNoNode : it->second->id;
+}
+
+std::u16string MemoryTree::Text(NodeId node) const { return At(node).text; }
+
+void MemoryTree::SetText(NodeId node, std::u16string_view text) {
+    Node& n = At(node);
+    Node& parent = *n.parent;
+    if (!parent.order) {
+        n.text = text;
+        return;
+    }
+    // A sorted parent keeps the child at the place of its new text.
+    Unlink(&n);
+    n.text = text;
+    Link(parent, nullptr, &n);
+}
+
+std::u16string MemoryTree::Key(NodeId node) const { return At(node).key; }
+
+void MemoryTree::SetKey(NodeId node, std::u16string_view key) {
+    Node& n = At(node);
+    if (key == n.key) return;
+    if (!key.empty() && keys_.count(std::u16string(key)))
+        throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
+    if (!n.key.empty()) keys_.erase(n.key);
+    n.key = key;
+    if (!n.key.empty()) keys_.emplace(n.key, &n);
+}
+
+int16_t MemoryTree::Image(NodeId node) const { return At(node).image; }
+void MemoryTree::SetImage(NodeId node, int16_t image) { At(node).image = image; }
+int16_t MemoryTree::ExpandedImage(NodeId node) const { return At(node).expandedImage; }
+void MemoryTree::SetExpandedImage(NodeId node, int16_t image) { At(node).expandedImage = image; }
+std::u16string MemoryTree::Tag(NodeId node) const { return At(node).tag; }
+void MemoryTree::SetTag(NodeId node, std::u16string_view tag) { At(node).tag = tag; }
+bool MemoryTree::Expanded(NodeId node) const { return At(node).expanded; }
+void MemoryTree::SetExpanded(NodeId node, bool expanded) { At(node).expanded = expanded; }
+bool MemoryTree::SortedChildren(NodeId node) const { return ParentAt(node).order != nullptr; }
+
+void MemoryTree::SetSortedChildren(NodeId node, bool sorted) {
+    Node& n = ParentAt(node);
+    if (sorted == (n.order != nullptr)) return;
+    if (!sorted) {
+        n.order.reset();
+        return;
+    }
+    std::vector<Node*> children;
+    children.reserve(n.childCount);
+    for (Node* c = n.first; c; c = c->next) children.push_back(c);
+    for (Node* c : children) Unlink(c);
+    n.order = std::make_unique<Order>();
+    // Relinking in the old order through the index gives a stable sort.
+    for (Node* c : children) Link(n, nullptr, c);
+}
+
+NodeId MemoryTree::FirstChild(NodeId node) const {
+    const Node* c = ParentAt(node).first;
+    return c ? c->id : kNoNode;
+}
+
+NodeId MemoryTree::NextSibling(NodeId node) const {
+    const Node* s = At(node).next;
+    return s ? s->id : kNoNode;
+}
+
+NodeId MemoryTree::Parent(NodeId node) const {
+    const Node* p = At(node).parent;
+    return p == root_.get() ? kNoNode : p->id;
+}
+
+int32_t MemoryTree::ChildCount(NodeId node) const { return ParentAt(node).childCount; }
+
+void MemoryTree::Forget(Node* n) {
+    // Iterative, so that a deep tree cannot exhaust the stack.
+    std::vector<Node*> pending{n};
+    while (!pending.empty()) {
+        Node* cur = pending.back();
+        pending.pop_back();
+        for (Node* c = cur->first; c; c = c->next) pending.push_back(c);
+        if (cur->id == selected_) selected_ = kNoNode;
+        if (!cur->key.empty()) keys_.erase(cur->key);
+        nodes_.erase(cur->id);
+    }
+}
+
+void MemoryTree::Remove(NodeId node) {
+    Node& n = At(node);
+    Unlink(&n);
+    Forget(&n);
+}
+
+void MemoryTree::Clear() {
+    nodes_.clear();
+    keys_.clear();
+    const bool sorted = root_->order != nullptr;
+    root_ = std::make_unique<Node>();
+    if (sorted) root_->order = std::make_unique<Order>();
+    selected_ = kNoNode;
+}
+
+void MemoryTree::Select(NodeId node) {
+    if (node != kNoNode) At(node);
+    selected_ = node;
+}
+
+template <class Visit>
+void MemoryTree::ForEachShown(Visit&& visit) const {
+    // Depth first in display order; a collapsed node hides its subtree.
+    std::vector<const Node*> pending;
+    for (const Node* c = root_->last; c; c = c->prev) pending.push_back(c);
+    while (!pending.empty()) {
+        const Node* cur = pending.back();
+        pending.pop_back();
+        if (!visit(cur)) return;
+        if (cur->expanded)
+            for (const Node* c = cur->last; c; c = c->prev) pending.push_back(c);
+    }
+}
+
+NodeId MemoryTree::HitTest(float /*x*/, float y) const {
+    if (y < 0) return kNoNode;
+    auto wanted = static_cast<long long>(y / kRowHeight);
+    NodeId hit = kNoNode;
+    ForEachShown([&](const Node* n) {
+        if (wanted-- == 0) hit = n->id;
+        return hit == kNoNode;
+    });
+    return hit;
+}
+
+float MemoryTree::RowTop(NodeId node) const {
+    float top = -1;
+    long long row = 0;
+    ForEachShown([&](const Node* n) {
+        if (n->id == node) top = static_cast<float>(row) * kRowHeight;
+        ++row;
+        return top < 0;
+    });
+    return top;
+}
+
+void MemoryTree::Move(float left, float top, float width, float height) {
+    bounds_[0] = left;
+    bounds_[1] = top;
+    bounds_[2] = width;
+    bounds_[3] = height;
+}
+
+void MemoryTree::UserExpand(NodeId node) {
+    SetExpanded(node, true);
+    if (input_) input_->Expand(node);
+}
+
+void MemoryTree::UserCollapse(NodeId node) {
+    SetExpanded(node, false);
+    if (input_) input_->Collapse(node);
+}
+
+void MemoryTree::UserClick(NodeId node) {
+    Select(node);
+    if (input_) input_->Click();
+}
+
+void MemoryTree::UserDblClick(NodeId node) {
+    Select(node);
+    if (input_) input_->DblClick();
+}
+
+}  // namespace kestrel

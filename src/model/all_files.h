@@ -1,0 +1,55 @@
+#pragma once
+// The project: the ordered, keyed collection of source file records. Files added with
+// Add are keyed by the name as the host gave it, files read from a project file by
+// their absolute name; keys are case-blind.
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "model/keyed_collection.h"
+#include "model/model_sink.h"
+#include "model/one_file.h"
+
+namespace kestrel {
+
+class clsAllFiles : public std::enable_shared_from_this<clsAllFiles> {
+public:
+    // Adds, shows and scans a file; nullptr when the key is present already. Errors
+    // after the duplicate check (the sink's, the scan's) reach the caller as
+    // kestrel::RuntimeError.
+    FilePtr Add(const std::u16string& FileName, int32_t nFileType);
+    int32_t count() const { return files_.Count(); }
+    // By 1-based position, by key, or by the sink's ExtractFilename__ of the key text.
+    FilePtr item(int32_t position) const;
+    FilePtr item(const std::u16string& key) const;
+    // Collapses the tree, then rescans every file in order.
+    void UpdateAllFiles();
+    bool Remove(const std::u16string& FileName);
+    // First file whose absolute FileName equals the argument exactly.
+    FilePtr FindFile(const std::u16string& FileName) const;
+    // Searches over the files whose FileType equals RetFileType; first hit wins.
+    ClassPtr FindClass(const std::u16string& ClassName, int32_t RetFileType) const;
+    ClassPtr FindClass_ByUserData(const std::u16string& UserData, int32_t RetFileType) const;
+    FilePtr FindClass_File(const std::u16string& ClassName, int32_t RetFileType) const;
+    FilePtr FindFunction(const std::u16string& szFuncName, int32_t RetFileType) const;
+    void EnumAllClasses(ClassEnumerator* EnumObject, int32_t FileType);
+
+    // Internal.
+    void SetSinkObject__(std::weak_ptr<ModelSink> sink) { sink_ = std::move(sink); }
+    void SetAllDirty();
+    // Empties the collection without telling the sink (the caller clears the tree).
+    void RemoveAllFiles__();
+    // Reads the file count and the file records from g_BinaryFile(), dropping files
+    // whose key is present already.
+    void LoadFromBinaryFile(int32_t version);
+
+    const KeyedCollection<clsOneFile>& Files() const { return files_; }
+
+    ~clsAllFiles();
+
+private:
+    KeyedCollection<clsOneFile> files_;
+    std::weak_ptr<ModelSink> sink_;
+};
+
+}  // namespace kestrel

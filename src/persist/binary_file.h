@@ -1,0 +1,61 @@
+#pragma once
+// Reader and writer of the project file's two record kinds: a 32-bit little-endian
+// number, and a counted string (32-bit length in code units, then one byte per code
+// unit: below 256 the unit's value, any other unit '?').
+//
+// Reads never fail: past the end of the file numbers read 0 and missing string bytes
+// read NUL. HitEnd() tells that some read came up short, so that record loops of a
+// damaged file can stop instead of running through counts the file cannot hold.
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kestrel {
+
+class clsBinaryFile {
+public:
+    // Strings claiming this many units or more read as empty and consume only the length.
+    static constexpr int32_t kMaxStringRead = 32000;
+
+    clsBinaryFile() = default;
+    ~clsBinaryFile();
+    clsBinaryFile(const clsBinaryFile&) = delete;
+    clsBinaryFile& operator=(const clsBinaryFile&) = delete;
+
+    // For writing an existing file is emptied; for reading it must exist. The name is
+    // UTF-8 encoded for the system. A handle already held is closed first.
+    bool OpenFile(const std::u16string& szFileName, bool OpenForWrite);
+    // Creates a new, empty file beside `besideName` (same folder, unique name) and opens
+    // it for writing; answers its name, or "" on failure.
+    std::u16string OpenTemporaryBeside(const std::u16string& besideName);
+    // Writes what is buffered and closes; false when some write since opening failed.
+    bool CloseFile();
+    bool IsOpen() const { return fd_ >= 0; }
+
+    int32_t LoadNumeric();
+    std::u16string LoadString();
+    void SaveNumeric(int32_t lNum);
+    void SaveString(const std::u16string& sz);
+    // Back to the start of the file.
+    void Reset();
+
+    // Some read since opening (or the last Reset) came up short.
+    bool HitEnd() const { return hitEnd_; }
+
+private:
+    void ReadBytes(char* into, size_t n);
+    void WriteBytes(const char* from, size_t n);
+    bool Flush();
+
+    int fd_ = -1;
+    bool writing_ = false;
+    bool hitEnd_ = false;
+    bool writeFailed_ = false;
+    std::vector<char> buffer_;
+    size_t bufferPos_ = 0;  // next byte to read from buffer_
+};
+
+// The one shared instance, created on first use. Whoever opened it owns its position.
+clsBinaryFile& g_BinaryFile();
+
+}  // namespace kestrel
