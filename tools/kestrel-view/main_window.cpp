@@ -1,6 +1,7 @@
 #include "main_window.h"
 
 #include <QActionGroup>
+#include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -257,8 +258,9 @@ void MainWindow::OpenSourceFile(const FilePtr& file, int line) {
         return;
     }
     const QByteArray bytes = in.readAll();
-    QStringDecoder decoder = QStringDecoder::decoderForData(bytes);
-    QString text = decoder.isValid() ? decoder.decode(bytes) : QString::fromUtf8(bytes);
+    // A byte-order mark chooses UTF-16 or UTF-8; without one the text is UTF-8.
+    QStringDecoder decoder(QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8));
+    QString text = decoder.decode(bytes);
     // Lines are numbered as the scanner counts them: CR LF, CR and LF each end one.
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
     if (file != editedFile_) {
@@ -366,7 +368,7 @@ void MainWindow::SetProjectTitle() {
 void MainWindow::Report(const QString& message) {
     lastError_ = message;
     statusBar()->showMessage(message, 8000);
-    if (isVisible() && QGuiApplication::platformName() != QLatin1String("offscreen")) {
+    if (isVisible() && QApplication::platformName() != QLatin1String("offscreen")) {
         QMessageBox::warning(this, QStringLiteral("kestrel-view"), message);
     }
 }
