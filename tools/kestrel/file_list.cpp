@@ -1,0 +1,128 @@
+#include "file_list.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <string_view>
+#include <unistd.h>
+
+#include "common/constants.h"
+#include "project_session.h"
+
+namespace kestrel::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct ExtensionType {
+    std::string_view extension;
+    int32_t type;
+    int32_t language;  // the language whose folders hold such files
+};
+
+constexpr std::array kExtensions{
+    ExtensionType{".h", FILETYPE_DEFINITION, LANGUAGE_C},      ExtensionType{".hh", FILETYPE_DEFINITION, LANGUAGE_C},
+    ExtensionType{".hpp", FILETYPE_DEFINITION, LANGUAGE_C},    ExtensionType{".hxx", FILETYPE_DEFINITION, LANGUAGE_C},
+    ExtensionType{".inl", FILETYPE_DEFINITION, LANGUAGE_C},    ExtensionType{".c", FILETYPE_IMPLEMENTATION, LANGUAGE_C},
+    ExtensionType{".cc", FILETYPE_IMPLEMENTATION, LANGUAGE_C}, ExtensionType{".cpp", FILETYPE_IMPLEMENTATION, LANGUAGE_C},
+    ExtensionType{".cxx", FILETYPE_IMPLEMENTATION, LANGUAGE_C},
+    ExtensionType{".java", FILETYPE_IMPLEMENTATION, LANGUAGE_JAVA},
+    ExtensionType{".bas", FILETYPE_IMPLEMENTATION, LANGUAGE_BASIC},
+    ExtensionType{".cls", FILETYPE_IMPLEMENTATION, LANGUAGE_BASIC},
+    ExtensionType{".frm", FILETYPE_FORM, LANGUAGE_BASIC},      ExtensionType{".ctl", FILETYPE_FORM, LANGUAGE_BASIC},
+    ExtensionType{".dsr", FILETYPE_FORM, LANGUAGE_BASIC},
+};
+
+const ExtensionType* Lookup(const std::string& path) {
+    std::string ext = fs::path(path).extension().string();
+    std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
+    for (const ExtensionType& e : kExtensions)
+        if (e.extension == ext) return &e;
+    return nullptr;
+}
+
+double Now() {
+    using namespace std::chrono;
+    return duration<double>(steady_clock::now().time_since_epoch()).count();
+}
+
+}  // namespace
+
+int32_t FileTypeOfExtension(const std::string& path) {
+    const ExtensionType* e = Lookup(path);
+    return e ? e->type : FILETYPE_NOPARSE;
+}
+
+void FileList::AddFile(const std::string& absolutePath) {
+    files_.push_back(SourceFile{absolutePath, type_ ? *type_ : FileTypeOfExtension(absolutePath)});
+}
+
+void FileList::Add(const std::string& path) {
+    const std::string absolute = AbsolutePath(path);
+    std::error_code ec;
+    const fs::file_status status = fs::status(absolute, ec);
+    if (ec || !fs::exists(status)) throw Failure(path, "no such file or folder");
+    if (!fs::is_directory(status)) {
+        AddFile(absolute);
+        return;
+    }
+    std::vector<std::string> found;
+    fs::recursive_directory_iterator it(absolute, fs::directory_options::skip_permission_denied, ec), end;
+    if (ec) throw Failure(path, ec.message());
+    for (; it != end; it.increment(ec)) {
+        if (ec) throw Failure(path, ec.message());
+        const fs::path& p = it->path();
+        if (it->is_directory(ec)) {
+            if (p.filename().string().starts_with(".")) it.disable_recursion_pending();
+            continue;
+        }
+        const ExtensionType* e = Lookup(p.string());
+        // Every family of the C language shares one set of extensions.
+        const int32_t family = language_ == LANGUAGE_JAVA || language_ == LANGUAGE_BASIC ? language_ : LANGUAGE_C;
+        if (e && e->language == family && it->is_regular_file(ec)) found.push_back(p.lexically_normal().string());
+    }
+    std::sort(found.begin(), found.end());
+    for (const std::string& f : found) AddFile(f);
+}
+
+void FileList::AddFrom(const std::string& listPath) {
+    std::ifstream file;
+    std::istream* in = &std::cin;
+    if (listPath != "-") {
+        file.open(listPath);
+        if (!file) throw Failure(listPath, "cannot read the file list");
+        in = &file;
+    }
+    std::string line;
+    while (std::getline(*in, line)) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (!line.empty()) Add(line);
+    }
+}
+
+Progress::Progress(size_t total, const char* verb)
+    : total_(total), verb_(verb), start_(Now()), terminal_(::isatty(STDERR_FILENO) != 0) {}
+
+Progress::~Progress() {
+    if (shown_) std::fputc('\n', stderr);
+}
+
+void Progress::Step(unsigned long long bytes) {
+    ++done_;
+    bytes_ += bytes;
+    if (!terminal_) return;
+    const double now = Now();
+    const double elapsed = now - start_;
+    if (elapsed <= 1.0 || (now - lastShown_ < 0.2 && done_ != total_)) return;
+    lastShown_ = now;
+    shown_ = true;
+    std::fprintf(stderr, "\r%s %zu of %zu files, %.1f MB/s   ", verb_, done_, total_, bytes_ / 1e6 / elapsed);
+    std::fflush(stderr);
+}
+
+}  // namespace kestrel::cli

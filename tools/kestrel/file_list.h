@@ -1,0 +1,61 @@
+#pragma once
+// The source files a project command adds: plain files, folders searched recursively
+// for the project language's files, and lists of paths read from a file or standard
+// input; each with its file type, given by --type or guessed from the extension.
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestrel::cli {
+
+struct SourceFile {
+    std::string path;  // absolute, lexically normalised
+    int32_t type;      // a FileType value
+};
+
+class FileList {
+public:
+    explicit FileList(int32_t language) : language_(language) {}
+
+    // The type given with --type for the files that follow.
+    void SetType(int32_t type) { type_ = type; }
+    // A file, or a folder whose files of the project's language are added in sorted
+    // path order (hidden folders skipped). A missing path fails.
+    void Add(const std::string& path);
+    // One path per line of a list file, or of standard input for "-".
+    void AddFrom(const std::string& listPath);
+
+    const std::vector<SourceFile>& Files() const { return files_; }
+
+private:
+    void AddFile(const std::string& absolutePath);
+
+    int32_t language_;
+    std::optional<int32_t> type_;
+    std::vector<SourceFile> files_;
+};
+
+// The file type an extension stands for (FILETYPE_NOPARSE for anything unknown).
+int32_t FileTypeOfExtension(const std::string& path);
+
+// One line of progress on standard error, only when it is a terminal and the work
+// has been going on for more than a second.
+class Progress {
+public:
+    Progress(size_t total, const char* verb);
+    ~Progress();
+    void Step(unsigned long long bytes);
+
+private:
+    size_t total_;
+    size_t done_ = 0;
+    unsigned long long bytes_ = 0;
+    const char* verb_;
+    double start_;
+    double lastShown_ = 0;
+    bool shown_ = false;
+    bool terminal_;
+};
+
+}  // namespace kestrel::cli

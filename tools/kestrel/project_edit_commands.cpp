@@ -1,0 +1,162 @@
+// kestrel new, add, remove and update: the commands that write a project file.
+#include <filesystem>
+#include <iostream>
+#include <optional>
+
+#include "common/constants.h"
+#include "common/text.h"
+#include "file_list.h"
+#include "project_commands.h"
+#include "project_session.h"
+
+namespace kestrel::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kNewUsage =
+    "usage: kestrel new PROJECT [--language L] [--id N] [[--type T] FILE...]... [--files-from LIST]\n"
+    "Creates the project file PROJECT, adds every FILE (a folder adds its files of the\n"
+    "project's language, recursively, in sorted order, skipping hidden folders) and saves.\n"
+    "  --language L      c (default), java, basic, or a language number\n"
+    "  --id N            the project's identifier (default 0)\n"
+    "  --type T          impl, def, form, noparse or 1 to 4, for the files after it;\n"
+    "                    without it the extension decides (.h .hh .hpp .hxx .inl def,\n"
+    "                    .frm .ctl .dsr form, .c .cc .cpp .cxx .java .bas .cls impl,\n"
+    "                    anything else noparse)\n"
+    "  --files-from LIST one path per line of LIST (- reads standard input)\n";
+
+constexpr const char* kAddUsage =
+    "usage: kestrel add PROJECT [--type T] FILE... [--files-from LIST]\n"
+    "Loads PROJECT, adds and scans every FILE (folders as for kestrel new) and saves.\n";
+
+constexpr const char* kRemoveUsage =
+    "usage: kestrel remove PROJECT FILE...\n"
+    "Loads PROJECT, removes every FILE from it and saves. Nothing is written when a\n"
+    "FILE is not in the project.\n";
+
+constexpr const char* kUpdateUsage =
+    "usage: kestrel update PROJECT\n"
+    "Loads PROJECT, rescans every file from disk and saves.\n";
+
+struct ProjectArgs {
+    std::string project;
+    std::optional<int32_t> language;
+    int32_t id = 0;
+    // Types and files in the order given: what a --type applies to depends on it.
+    struct Step {
+        enum Kind { Type, File, FilesFrom } kind;
+        std::string value;
+    };
+    std::vector<Step> steps;
+};
+
+ProjectArgs ParseProjectArgs(const std::vector<std::string>& args, bool creating) {
+    ProjectArgs parsed;
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        if (creating && a == "--language") {
+            parsed.language = ParseLanguage(OptionValue(args, i));
+        } else if (creating && a == "--id") {
+            parsed.id = ParseNumber("--id", OptionValue(args, i));
+        } else if (a == "--type") {
+            const std::string& t = OptionValue(args, i);
+            ParseFileType(t);
+            parsed.steps.push_back({ProjectArgs::Step::Type, t});
+        } else if (a == "--files-from") {
+            parsed.steps.push_back({ProjectArgs::Step::FilesFrom, OptionValue(args, i)});
+        } else if (a.size() > 1 && a[0] == '-') {
+            throw UsageError("unknown option '" + a + "'");
+        } else if (parsed.project.empty()) {
+            parsed.project = a;
+        } else {
+            parsed.steps.push_back({ProjectArgs::Step::File, a});
+        }
+    }
+    if (parsed.project.empty()) throw UsageError("no PROJECT given");
+    return parsed;
+}
+
+std::vector<SourceFile> GatherFiles(const ProjectArgs& parsed, int32_t language) {
+    FileList list(language);
+    for (const ProjectArgs::Step& step : parsed.steps) {
+        switch (step.kind) {
+            case ProjectArgs::Step::Type: list.SetType(ParseFileType(step.value)); break;
+            case ProjectArgs::Step::File: list.Add(step.value); break;
+            case ProjectArgs::Step::FilesFrom: list.AddFrom(step.value); break;
+        }
+    }
+    return list.Files();
+}
+
+// Adds the files through the control's collection, as a host would.
+void AddFiles(ProjectSession& session, const std::vector<SourceFile>& files) {
+    Progress progress(files.size(), "scanned");
+    AllFilesPtr all = session.View().files();
+    for (const SourceFile& f : files) {
+        if (!all->Add(FromUtf8(f.path), f.type))
+            std::cerr << "kestrel: " << f.path << ": already in the project, skipped\n";
+        std::error_code ec;
+        const auto size = fs::file_size(f.path, ec);
+        progress.Step(ec ? 0 : size);
+    }
+}
+
+int Status(const ProjectSession& session) { return session.ErrorCount() == 0 ? 0 : 1; }
+
+int New(const std::vector<std::string>& args) {
+    const ProjectArgs parsed = ParseProjectArgs(args, true);
+    const int32_t language = parsed.language.value_or(LANGUAGE_C);
+    const std::vector<SourceFile> files = GatherFiles(parsed, language);
+    ProjectSession session;
+    session.View().NewProject(FromUtf8(AbsolutePath(parsed.project)), language, parsed.id);
+    AddFiles(session, files);
+    session.Save();
+    return Status(session);
+}
+
+int Add(const std::vector<std::string>& args) {
+    const ProjectArgs parsed = ParseProjectArgs(args, false);
+    ProjectSession session;
+    session.Load(parsed.project);
+    const std::vector<SourceFile> files = GatherFiles(parsed, session.View().Language());
+    AddFiles(session, files);
+    session.Save();
+    return Status(session);
+}
+
+int Remove(const std::vector<std::string>& args) {
+    if (args.empty() || args[0].starts_with("-")) throw UsageError(args.empty() ? "no PROJECT given" : "unknown option '" + args[0] + "'");
+    ProjectSession session;
+    session.Load(args[0]);
+    AllFilesPtr all = session.View().files();
+    std::vector<std::u16string> keys;
+    for (size_t i = 1; i < args.size(); ++i) {
+        if (args[i].starts_with("-")) throw UsageError("unknown option '" + args[i] + "'");
+        std::u16string key = FromUtf8(AbsolutePath(args[i]));
+        if (!all->item(key)) throw Failure(args[i], "not in the project");
+        keys.push_back(key);
+    }
+    for (const std::u16string& key : keys) all->Remove(key);
+    session.Save();
+    return Status(session);
+}
+
+int Update(const std::vector<std::string>& args) {
+    if (args.size() != 1 || args[0].starts_with("-"))
+        throw UsageError(args.empty() ? "no PROJECT given" : "unexpected argument '" + args.back() + "'");
+    ProjectSession session;
+    session.Load(args[0]);
+    if (!session.View().SaveComplete()) throw Failure(args[0], "cannot write the project file");
+    return Status(session);
+}
+
+}  // namespace
+
+int RunNew(const std::vector<std::string>& args) { return RunCommand("new", kNewUsage, args, New); }
+int RunAdd(const std::vector<std::string>& args) { return RunCommand("add", kAddUsage, args, Add); }
+int RunRemove(const std::vector<std::string>& args) { return RunCommand("remove", kRemoveUsage, args, Remove); }
+int RunUpdate(const std::vector<std::string>& args) { return RunCommand("update", kUpdateUsage, args, Update); }
+
+}  // namespace kestrel::cli

@@ -1,0 +1,143 @@
+#include "project_session.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "common/constants.h"
+#include "common/text.h"
+
+namespace kestrel::cli {
+
+namespace fs = std::filesystem;
+
+ProjectSession::ProjectSession() : view_(TreeView::Create(platform_.Get())) {
+    previousHandler_ = SetErrorHandler([this](const ErrorReport& r) -> int16_t {
+        ++errors_;
+        std::cerr << "kestrel: error in " << r.module << " (" << r.title << "): " << r.message << "\n";
+        return 0;
+    });
+}
+
+ProjectSession::~ProjectSession() {
+    view_.reset();
+    SetErrorHandler(previousHandler_);
+}
+
+void ProjectSession::Load(const std::string& projectPath) {
+    const std::string path = AbsolutePath(projectPath);
+    std::error_code ec;
+    if (fs::is_directory(path, ec)) throw Failure(projectPath, "is a folder, not a project file");
+    std::ifstream probe(path, std::ios::binary);
+    if (!probe) throw Failure(projectPath, std::strerror(errno));
+    char head[14] = {};
+    probe.read(head, sizeof head);
+    if (probe.gcount() < 4) throw Failure(projectPath, "not a kestrel project file (too short)");
+    probe.close();
+    if (!view_->Load(FromUtf8(path))) throw Failure(projectPath, "not a kestrel project file (wrong signature)");
+    platform_.timer.Drain();
+}
+
+void ProjectSession::Save() {
+    const std::string path = Utf8(view_->FileName());
+    std::error_code ec;
+    if (fs::is_directory(path, ec)) throw Failure(path, "is a folder, cannot write the project file there");
+    errno = 0;
+    if (!view_->Save()) {
+        const fs::path dir = fs::path(path).parent_path();
+        std::string reason = "cannot write the project file";
+        if (!fs::is_directory(dir, ec))
+            reason += ": folder " + dir.string() + " does not exist";
+        else if (errno != 0)
+            reason += std::string(": ") + std::strerror(errno);
+        throw Failure(path, reason);
+    }
+}
+
+std::string AbsolutePath(const std::string& path) {
+    std::error_code ec;
+    fs::path p = fs::absolute(fs::path(path), ec);
+    if (ec) throw Failure(path, ec.message());
+    return p.lexically_normal().string();
+}
+
+int32_t ParseLanguage(const std::string& text) {
+    if (text == "c" || text == "cpp" || text == "c++") return LANGUAGE_C;
+    if (text == "java") return LANGUAGE_JAVA;
+    if (text == "basic" || text == "vb") return LANGUAGE_BASIC;
+    return ParseNumber("--language", text);
+}
+
+int32_t ParseFileType(const std::string& text) {
+    if (text == "impl") return FILETYPE_IMPLEMENTATION;
+    if (text == "def") return FILETYPE_DEFINITION;
+    if (text == "form") return FILETYPE_FORM;
+    if (text == "noparse") return FILETYPE_NOPARSE;
+    int32_t n = ParseNumber("--type", text);
+    if (n < FILETYPE_IMPLEMENTATION || n > FILETYPE_NOPARSE)
+        throw UsageError("--type must be impl, def, form, noparse or 1 to 4, not '" + text + "'");
+    return n;
+}
+
+int32_t ParseNumber(const std::string& option, const std::string& text) {
+    try {
+        size_t used = 0;
+        long long n = std::stoll(text, &used);
+        if (used == text.size() && n >= INT32_MIN && n <= INT32_MAX) return static_cast<int32_t>(n);
+    } catch (const std::exception&) {
+    }
+    throw UsageError(option + " needs a whole number, not '" + text + "'");
+}
+
+const std::string& OptionValue(const std::vector<std::string>& args, size_t& i) {
+    if (i + 1 >= args.size()) throw UsageError(args[i] + " needs a value");
+    return args[++i];
+}
+
+int RunCommand(const char* name, const char* usage, const std::vector<std::string>& args,
+               int (*body)(const std::vector<std::string>&)) {
+    for (const std::string& a : args) {
+        if (a == "--help" || a == "-h") {
+            std::cout << usage;
+            return 0;
+        }
+    }
+    try {
+        return body(args);
+    } catch (const UsageError& e) {
+        std::cerr << "kestrel " << name << ": " << e.what() << "\n(kestrel " << name << " --help shows the usage)\n";
+        return 2;
+    } catch (const std::exception& e) {
+        std::cerr << "kestrel: " << e.what() << "\n";
+        return 1;
+    }
+}
+
+std::string Utf8(const std::u16string& text) { return ToUtf8(text); }
+
+std::string Quoted(const std::u16string& text) {
+    std::string out = "\"";
+    for (char c : ToUtf8(text)) {
+        switch (c) {
+            case '"': out += "\\\""; break;
+            case '\\': out += "\\\\"; break;
+            case '\n': out += "\\n"; break;
+            case '\r': out += "\\r"; break;
+            case '\t': out += "\\t"; break;
+            default:
+                if (static_cast<unsigned char>(c) < 32) {
+                    char buf[8];
+                    std::snprintf(buf, sizeof buf, "\\x%02x", static_cast<unsigned char>(c));
+                    out += buf;
+                } else {
+                    out += c;
+                }
+        }
+    }
+    return out + "\"";
+}
+
+}  // namespace kestrel::cli

@@ -1,0 +1,74 @@
+#pragma once
+// What every project command shares: a real TreeView on the in-memory platform, the
+// way a host drives it, plus argument helpers and one-line failure reports.
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "control/memory/memory_platform.h"
+#include "control/tree_view.h"
+#include "errorlog/errorlog.h"
+
+namespace kestrel::cli {
+
+// A failure the command reports as "kestrel: WHAT: REASON" with exit status 1.
+class Failure : public std::runtime_error {
+public:
+    Failure(const std::string& what, const std::string& reason) : std::runtime_error(what + ": " + reason) {}
+};
+
+// A command line the command cannot understand; exit status 2.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class ProjectSession {
+public:
+    ProjectSession();
+    ~ProjectSession();
+    ProjectSession(const ProjectSession&) = delete;
+    ProjectSession& operator=(const ProjectSession&) = delete;
+
+    TreeView& View() { return *view_; }
+    MemoryPlatform& Platform() { return platform_; }
+
+    // Loads a project file, failing with the reason when it is missing, unreadable or
+    // not a project file; runs the load timer dry.
+    void Load(const std::string& projectPath);
+    // Saves to the control's FileName, failing with the reason when it cannot be written.
+    void Save();
+    // Reports of the error trap collected during the session.
+    int ErrorCount() const { return errors_; }
+
+private:
+    MemoryPlatform platform_;
+    std::shared_ptr<TreeView> view_;
+    ErrorHandler previousHandler_;
+    int errors_ = 0;
+};
+
+// An absolute, lexically normalised path.
+std::string AbsolutePath(const std::string& path);
+// A Languages value from c, cpp, c++, java, basic or a number.
+int32_t ParseLanguage(const std::string& text);
+// A FileType value from impl, def, form, noparse or 1 to 4.
+int32_t ParseFileType(const std::string& text);
+// A whole decimal number, or a UsageError naming the option.
+int32_t ParseNumber(const std::string& option, const std::string& text);
+// The value after an option, or a UsageError.
+const std::string& OptionValue(const std::vector<std::string>& args, size_t& i);
+
+// Runs a command body: prints failures as one line on standard error and turns them
+// into the exit status.
+int RunCommand(const char* name, const char* usage, const std::vector<std::string>& args,
+               int (*body)(const std::vector<std::string>&));
+
+std::string Utf8(const std::u16string& text);
+// Quoted with C-style escapes, so that dumps stay one line per record.
+std::string Quoted(const std::u16string& text);
+
+}  // namespace kestrel::cli
