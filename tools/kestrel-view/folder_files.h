@@ -1,19 +1,21 @@
 #pragma once
-// What opening a folder puts into a new project: every source file under it, hidden
-// folders skipped, in sorted path order, each with the file type its extension gives.
+// What opening a folder puts into a new project: the files the command line's
+// `kestrel new PROJECT FOLDER` would add, for the language family most of the
+// folder's files belong to.
 #include <QString>
-#include <QStringList>
 #include <cstdint>
+#include <vector>
+
+#include "file_list.h"
 
 namespace kestrel::view {
 
 struct FolderFiles {
-    int32_t language = 0;  // the family most of the files belong to
-    QStringList paths;     // absolute, sorted
+    int32_t language = 0;
+    std::vector<cli::SourceFile> files;  // sorted by path, each with its file type
 };
 
-// The file type (FILETYPE_*) of a file name's extension.
-int32_t FileTypeOf(const QString& path);
+// Throws cli::Failure when the folder cannot be read.
 FolderFiles CollectFolder(const QString& folder);
 
 }  // namespace kestrel::view

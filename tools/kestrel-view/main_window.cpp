@@ -20,6 +20,7 @@
 
 #include "code_editor.h"
 #include "common/constants.h"
+#include "common/text.h"
 #include "document_lines.h"
 #include "errorlog/errorlog.h"
 #include "folder_files.h"
@@ -123,6 +124,10 @@ void MainWindow::BuildActions() {
 }
 
 bool MainWindow::OpenPath(const QString& path, bool inBackground) {
+    if (!QFileInfo::exists(path)) {
+        Report(tr("%1: no such file or folder").arg(path));
+        return false;
+    }
     return QFileInfo(path).isDir() ? OpenFolder(path, inBackground) : OpenProject(path, inBackground);
 }
 
@@ -132,17 +137,23 @@ bool MainWindow::OpenFolder(const QString& folder, bool inBackground) {
         Report(tr("%1: no such folder").arg(folder));
         return false;
     }
-    const FolderFiles found = CollectFolder(root);
+    FolderFiles found;
+    try {
+        found = CollectFolder(root);
+    } catch (const std::exception& e) {
+        Report(QString::fromStdString(e.what()));
+        return false;
+    }
     editedFile_.reset();
     editor_->clear();
     addTimer_.stop();
     const QString projectFile = root + QLatin1Char('/') + QDir(root).dirName() + QStringLiteral(".kpr");
     view_->control().NewProject(projectFile.toStdU16String(), found.language, 0);
     SetProjectTitle();
-    pending_ = found.paths;
+    pending_.assign(found.files.rbegin(), found.files.rend());
     pendingTotal_ = static_cast<int>(pending_.size());
     if (!inBackground) {
-        while (!pending_.isEmpty()) AddPendingFiles();
+        while (!pending_.empty()) AddPendingFiles();
         return true;
     }
     progress_->setRange(0, qMax(1, pendingTotal_));
@@ -157,14 +168,15 @@ bool MainWindow::OpenFolder(const QString& folder, bool inBackground) {
 void MainWindow::AddPendingFiles() {
     QElapsedTimer slice;
     slice.start();
-    while (!pending_.isEmpty() && slice.elapsed() < kAddSliceMs) {
-        const QString path = pending_.takeFirst();
+    while (!pending_.empty() && slice.elapsed() < kAddSliceMs) {
+        const cli::SourceFile file = pending_.back();
+        pending_.pop_back();
         Trap(kModule, "Sub AddPendingFiles", [&] {
-            view_->files()->Add(path.toStdU16String(), FileTypeOf(path));
+            view_->files()->Add(FromUtf8(file.path), file.type);
         });
     }
     progress_->setValue(pendingTotal_ - static_cast<int>(pending_.size()));
-    if (!pending_.isEmpty()) return;
+    if (!pending_.empty()) return;
     addTimer_.stop();
     progress_->hide();
     statusBar()->showMessage(tr("%n file(s) in the project", nullptr, view_->files()->count()), 4000);

@@ -4,9 +4,11 @@
 // opening a project file loads it with the timed loader on. Double-clicking an entry
 // opens its file at its line; edits are rescanned from the editor's text after a pause.
 #include <QMainWindow>
-#include <QStringList>
 #include <QTimer>
 
+#include <vector>
+
+#include "file_list.h"
 #include "model/model_sink.h"
 
 class QActionGroup;
@@ -46,7 +48,7 @@ public:
     qt::TreeViewWidget& View() const { return *view_; }
     CodeEditor& Editor() const { return *editor_; }
     FilePtr EditedFile() const { return editedFile_; }
-    bool Busy() const { return !pending_.isEmpty(); }
+    bool Busy() const { return !pending_.empty(); }
     QString StatusText() const;
     // The last failure reported to the user, for the command line.
     QString LastError() const { return lastError_; }
@@ -79,7 +81,7 @@ private:
     QTimer rescanTimer_;
     QTimer addTimer_;
     QTimer loadWatch_;
-    QStringList pending_;
+    std::vector<cli::SourceFile> pending_;  // a folder's files still to add, last first
     int pendingTotal_ = 0;
     FilePtr editedFile_;
     bool loadingText_ = false;
