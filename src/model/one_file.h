@@ -71,6 +71,8 @@ public:
 
 private:
     ClassPtr ClassFor(const std::u16string& className);
+    // The sink the write operations report to: the running update's, else the file's.
+    ModelSink* WriteSink(std::shared_ptr<ModelSink>& held);
 
     int32_t fileType_ = 0;
     std::u16string stored_;

@@ -1,0 +1,197 @@
+#include "model/class_object.h"
+
+#include <unordered_map>
+
+#include "common/constants.h"
+#include "errorlog/resume.h"
+#include "persist/binary_file.h"
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::string_view kModule = "clsClassObject.cls";
+constexpr int16_t kHourglass = 11;
+constexpr int32_t kReplayWithHourglass = 20;  // more members than this show the hourglass
+
+// The decimal version text handed down by the file reader, back as a number.
+int32_t VersionNumber(const std::u16string& text) {
+    int32_t value = 0;
+    size_t i = 0;
+    bool negative = i < text.size() && text[i] == u'-';
+    if (negative) ++i;
+    for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9' && value < 100000000; ++i)
+        value = value * 10 + (text[i] - u'0');
+    return negative ? -value : value;
+}
+
+// Adds a loaded item under firstKey, or else under its Name followed by "#1", "#2", ...
+// Nothing is removed while a class loads, so a suffix found taken stays taken: each
+// name remembers where its search stopped, which keeps a file full of one repeated
+// name from costing quadratic time.
+class DuplicateRenamer {
+public:
+    explicit DuplicateRenamer(KeyedCollection<clsOneItem>& items) : items_(items) {}
+
+    void Add(const ItemPtr& item, const std::u16string& firstKey) {
+        std::u16string key = firstKey;
+        if (!items_.TryAdd(key, item)) {
+            int32_t& n = lastSuffix_[UpperCase(item->Name)];
+            do key = item->Name + u"#" + ToText(++n);
+            while (!items_.TryAdd(key, item));
+        }
+        item->KeyVal = key;
+    }
+
+private:
+    KeyedCollection<clsOneItem>& items_;
+    std::unordered_map<std::u16string, int32_t> lastSuffix_;
+};
+
+}  // namespace
+
+std::u16string clsClassObject::MakeFuncKey__(std::u16string_view name, std::u16string_view params) {
+    std::u16string joined = UpperCase(std::u16string(name) + std::u16string(params));
+    std::u16string key;
+    key.reserve(joined.size());
+    for (char16_t c : joined)
+        if (c != u' ') key += c;
+    return key;
+}
+
+int32_t clsClassObject::IsFunctionDefined(const std::u16string& szFuncName) const {
+    for (const ItemPtr& f : functions_)
+        if (f->Name == szFuncName) return f->Line;
+    return -1;
+}
+
+void clsClassObject::AddFunction__(const std::u16string& name, int32_t line, int32_t scope, ModelSink* sink,
+                                   const FilePtr& file, const std::u16string& params) {
+    IgnoreErrors([&] {
+        std::u16string key = MakeFuncKey__(name, params);
+        ItemPtr item = functions_.Find(key);
+        if (!item) {
+            item = std::make_shared<clsOneItem>();
+            item->Name = name;
+            item->Params = params;
+            functions_.Add(key, item);
+            item->KeyVal = key;
+            item->Line = -1;  // a new item always differs from what is stored below
+            item->Scope = -1;
+        }
+        item->Used = true;
+        if (item->Line != line) item->Line = line;
+        // A free function is always public, whatever the scanner saw.
+        int32_t stored = (Name == u"Globals" || Name.empty()) ? PUBLIC_SCOPE : scope;
+        if (item->Scope != stored) item->Scope = stored;
+        if (item->Params != params) item->Params = params;
+        if (item->KeyVal != key) item->KeyVal = key;
+        IgnoreErrors([&] { Required(sink).AddFunction__(item, shared_from_this(), file); });
+    });
+}
+
+void clsClassObject::AddVariable__(const std::u16string& name, int32_t line, int32_t scope, ModelSink* sink,
+                                   const FilePtr& file, const std::u16string& params) {
+    ItemPtr item;
+    IgnoreErrors([&] {
+        item = variables_.Find(name);
+        if (!item) {
+            item = std::make_shared<clsOneItem>();
+            item->Name = name;
+            variables_.Add(name, item);
+            item->Line = -1;
+            item->Scope = -1;
+        }
+        item->Used = true;
+        if (item->Line != line) item->Line = line;
+        if (item->Scope != scope) item->Scope = scope;
+        if (item->Params != params) item->Params = params;
+    });
+    // Unlike AddFunction__, an error from the sink reaches the caller.
+    Required(sink).AddVariable__(item, shared_from_this(), file);
+}
+
+void clsClassObject::PrepareUpdate__() {
+    for (const ItemPtr& v : variables_) v->Used = false;
+    for (const ItemPtr& f : functions_) f->Used = false;
+}
+
+void clsClassObject::FinishUpdate__(ModelSink* sink, const FilePtr& file) {
+    Trap(kModule, "Sub FinishUpdate__", [&] {
+        ClassPtr self = shared_from_this();
+        variables_.RemoveWhere([&](const ItemPtr& v) {
+            if (v->Used) return false;
+            Required(sink).RemoveVariable__(v, self, file);
+            return true;
+        });
+        functions_.RemoveWhere([&](const ItemPtr& f) {
+            if (f->Used) return false;
+            Required(sink).RemoveFunction__(f, self, file);
+            return true;
+        });
+    });
+}
+
+ItemPtr clsClassObject::InProc__(int32_t line, int32_t& startLine) const {
+    int32_t best = -1;
+    ItemPtr result;
+    for (const ItemPtr& f : functions_) {
+        if (f->Line <= line && f->Line > best) {
+            best = f->Line;
+            result = f;
+        }
+    }
+    startLine = best;
+    return result;
+}
+
+void clsClassObject::AddAllFromTheClass__(ModelSink* sink, const FilePtr& file) {
+    Trap(kModule, "Sub AddAllFromTheClass__", [&] {
+        ModelSink& to = Required(sink);
+        ClassPtr self = shared_from_this();
+        struct Pointer {
+            ModelSink& sink;
+            bool shown;
+            int16_t previous = 0;
+            Pointer(ModelSink& s, bool show) : sink(s), shown(show) {
+                if (shown) {
+                    previous = sink.MousePointer();
+                    sink.MousePointer(kHourglass);
+                }
+            }
+            ~Pointer() {
+                if (shown) IgnoreErrors([&] { sink.MousePointer(previous); });
+            }
+        } pointer(to, CountFunc() + CountVars() > kReplayWithHourglass);
+        for (const ItemPtr& f : functions_) to.AddFunction__(f, self, file);
+        for (const ItemPtr& v : variables_) to.AddVariable__(v, self, file);
+    });
+}
+
+void clsClassObject::LoadFromBinaryData(const std::u16string& version, ModelSink* sink, const FilePtr& file) {
+    Trap(kModule, "Sub LoadFromBinaryData", [&] {
+        clsBinaryFile& in = g_BinaryFile();
+        Name = in.LoadString();
+        EndLine = in.LoadNumeric();
+        UserData = in.LoadString();
+        UserId = in.LoadNumeric();
+        const int32_t itemVersion = VersionNumber(version);
+
+        // Counts come from the file: a damaged one ends its loops at the end of the data.
+        DuplicateRenamer vars(variables_);
+        for (int32_t n = in.LoadNumeric(), k = 0; k < n && !in.HitEnd(); ++k) {
+            auto item = std::make_shared<clsOneItem>();
+            item->LoadFromBinaryFile(itemVersion);
+            vars.Add(item, item->Name);
+        }
+        DuplicateRenamer funcs(functions_);
+        for (int32_t n = in.LoadNumeric(), k = 0; k < n && !in.HitEnd(); ++k) {
+            auto item = std::make_shared<clsOneItem>();
+            item->LoadFromBinaryFile(itemVersion);
+            funcs.Add(item, MakeFuncKey__(item->Name, item->Params));
+        }
+        if (CountVars() > 0 || CountFunc() > 0) Required(sink).AddClassNode__WithDummy(shared_from_this(), file);
+    });
+}
+
+}  // namespace kestrel

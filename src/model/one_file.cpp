@@ -1,0 +1,205 @@
+#include "model/one_file.h"
+
+#include "common/constants.h"
+#include "errorlog/resume.h"
+#include "persist/binary_file.h"
+#include "scanner/quillbox.h"
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::string_view kModule = "clsOneFile.cls";
+
+}  // namespace
+
+std::u16string clsOneFile::FileName() {
+    Trap(kModule, "Property (Get) FileName", [&] {
+        if (absolute_.empty()) {
+            std::shared_ptr<ModelSink> sink = sink_.lock();
+            absolute_ = Required(sink).AbsPath__(stored_);
+        }
+    });
+    return absolute_;
+}
+
+ClassPtr clsOneFile::item(int32_t position) {
+    ClassPtr found;
+    Trap(kModule, "Property (Get) item", [&] { found = classes_.Item(position); });
+    return found;
+}
+
+ClassPtr clsOneFile::item(const std::u16string& className) {
+    ClassPtr found;
+    Trap(kModule, "Property (Get) item", [&] { found = classes_.Item(className); });
+    return found;
+}
+
+void clsOneFile::UpdateFile() {
+    Trap(kModule, "Sub UpdateFile", [&] {
+        std::shared_ptr<ModelSink> sink = sink_.lock();
+        UpdateFile__(sink.get(), static_cast<int16_t>(Required(sink).Language()), nullptr);
+    });
+}
+
+void clsOneFile::UpdateEmbeededFile(LineSource& SourceObject) {
+    Trap(kModule, "Sub UpdateEmbeededFile", [&] {
+        std::shared_ptr<ModelSink> sink = sink_.lock();
+        UpdateFile__(sink.get(), static_cast<int16_t>(Required(sink).Language()), &SourceObject);
+    });
+}
+
+void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* source) {
+    Trap(kModule, "Sub UpdateFile__", [&] {
+        stored_ = Required(sink).RelativePathToProject__(FileName());
+        if (fileType_ == FILETYPE_FORM || fileType_ == FILETYPE_NOPARSE) return;  // listed, never scanned
+
+        Dirty = true;
+        for (const ClassPtr& c : classes_) c->PrepareUpdate__();
+        updateSink_ = sink;
+        struct ForgetSink {
+            ModelSink*& slot;
+            ~ForgetSink() { slot = nullptr; }
+        } forget{updateSink_};
+
+        clsQuillbox scanner;
+        if (source)
+            scanner.ParseEmbeededFile(*this, language, *source);
+        else
+            scanner.ParseFile(*this, language);
+
+        // Members not seen again go first, then every class left empty.
+        FilePtr self = shared_from_this();
+        classes_.RemoveWhere([&](const ClassPtr& c) {
+            c->FinishUpdate__(sink, self);
+            if (c->CountFunc() != 0 || c->CountVars() != 0) return false;
+            Required(sink).RemoveClass__(c, self);
+            return true;
+        });
+    });
+}
+
+void clsOneFile::ExtractClassInfo(const std::u16string& fullName, std::u16string& className,
+                                  std::u16string& memberName) {
+    size_t p = fullName.find(u"::");
+    if (p == std::u16string::npos) {
+        className = u"Globals";
+        memberName = fullName;
+    } else {
+        className = TrimSpaces(std::u16string_view(fullName).substr(0, p));
+        memberName = TrimSpaces(std::u16string_view(fullName).substr(p + 2));
+    }
+    if (className.empty()) className = u"Globals";
+}
+
+ClassPtr clsOneFile::ClassFor(const std::u16string& className) {
+    ClassPtr c = classes_.Find(className);
+    if (!c) {
+        c = std::make_shared<clsClassObject>();
+        classes_.Add(className, c);
+        c->Name = className;
+    }
+    return c;
+}
+
+ModelSink* clsOneFile::WriteSink(std::shared_ptr<ModelSink>& held) {
+    if (updateSink_) return updateSink_;
+    held = sink_.lock();
+    return held.get();
+}
+
+void clsOneFile::WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
+                                const std::u16string& params) {
+    Trap(kModule, "Sub WriteDeclare__", [&] {
+        std::u16string className, memberName;
+        ExtractClassInfo(fullName, className, memberName);
+        std::shared_ptr<ModelSink> held;
+        ClassFor(className)->AddFunction__(memberName, line, scope, WriteSink(held), shared_from_this(), params);
+    });
+}
+
+void clsOneFile::WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,
+                                 const std::u16string& params) {
+    Trap(kModule, "Sub WriteVariable__", [&] {
+        // A declarator list the scanner did not split ("a, b") is dropped on purpose.
+        if (fullName.find(u',') != std::u16string::npos) return;
+        std::u16string className, memberName;
+        ExtractClassInfo(fullName, className, memberName);
+        std::shared_ptr<ModelSink> held;
+        ClassFor(className)->AddVariable__(memberName, line, scope, WriteSink(held), shared_from_this(), params);
+    });
+}
+
+void clsOneFile::WriteEndClass__(const std::u16string& className, int32_t endLine) {
+    if (ClassPtr c = classes_.Find(className)) c->EndLine = endLine;
+}
+
+void clsOneFile::WriteInclude__(const std::u16string&, int32_t) {
+    // Included files are not added to the project.
+}
+
+ClassPtr clsOneFile::GetClass(const std::u16string& ClassName) const { return classes_.Find(ClassName); }
+
+ClassPtr clsOneFile::FindClass_ByUserData(const std::u16string& userData) const {
+    for (const ClassPtr& c : classes_)
+        if (c->UserData == userData) return c;
+    return nullptr;
+}
+
+void clsOneFile::EnumClasses(ClassEnumerator* EnumObject) {
+    Trap(kModule, "Sub EnumClasses", [&] {
+        for (const ClassPtr& c : classes_) Required(EnumObject).EnumClass(c->Name, c->UserData, c->UserId);
+    });
+}
+
+int32_t clsOneFile::IsFunctionDefined(const std::u16string& szFuncName) const {
+    for (const ClassPtr& c : classes_) {
+        int32_t line = c->IsFunctionDefined(szFuncName);
+        if (line >= 0) return line;
+    }
+    return -1;
+}
+
+ItemPtr clsOneFile::InProc(int32_t LineNum) const {
+    int32_t best = -1;
+    ItemPtr result;
+    for (const ClassPtr& c : classes_) {
+        int32_t start = -1;
+        ItemPtr candidate = c->InProc__(LineNum, start);
+        if (start > best) {
+            best = start;
+            result = candidate;
+        }
+    }
+    return result;
+}
+
+void clsOneFile::AddAllFromTheClass__(const std::u16string& className, ModelSink* sink) {
+    Trap(kModule, "Sub AddAllFromTheClass__", [&] {
+        if (ClassPtr c = classes_.Find(className)) c->AddAllFromTheClass__(sink, shared_from_this());
+    });
+}
+
+void clsOneFile::LoadFromBinaryFile(int32_t version, ModelSink* sink) {
+    // A class name repeated in the record ends this reader here (reported); the
+    // classes before it stay.
+    Trap(kModule, "Sub LoadFromBinaryFile", [&] {
+        clsBinaryFile& in = g_BinaryFile();
+        absolute_.clear();
+        stored_ = in.LoadString();
+        Dirty = false;
+        fileType_ = in.LoadNumeric();
+        int32_t classCount = in.LoadNumeric();
+        UserId = in.LoadNumeric();
+        UserData = in.LoadString();
+        FilePtr self = shared_from_this();
+        const std::u16string versionText = ToText(version);
+        for (int32_t k = 0; k < classCount && !in.HitEnd(); ++k) {
+            auto c = std::make_shared<clsClassObject>();
+            c->LoadFromBinaryData(versionText, sink, self);
+            classes_.Add(c->Name, c);
+        }
+    });
+}
+
+}  // namespace kestrel

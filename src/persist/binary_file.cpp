@@ -1,0 +1,172 @@
+#include "persist/binary_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "common/text.h"
+
+namespace kestrel {
+
+namespace {
+
+constexpr size_t kBufferSize = 64 * 1024;
+
+}  // namespace
+
+clsBinaryFile::~clsBinaryFile() {
+    if (IsOpen()) CloseFile();
+}
+
+bool clsBinaryFile::OpenFile(const std::u16string& szFileName, bool OpenForWrite) {
+    if (IsOpen()) CloseFile();
+    std::string name = ToUtf8(szFileName);
+    int flags = OpenForWrite ? (O_RDWR | O_CREAT | O_TRUNC) : O_RDONLY;
+    fd_ = ::open(name.c_str(), flags | O_CLOEXEC, 0666);
+    struct stat info {};
+    if (IsOpen() && !OpenForWrite && (::fstat(fd_, &info) != 0 || S_ISDIR(info.st_mode))) {
+        ::close(fd_);  // a folder is no project file
+        fd_ = -1;
+    }
+    writing_ = OpenForWrite;
+    hitEnd_ = false;
+    writeFailed_ = false;
+    buffer_.clear();
+    bufferPos_ = 0;
+    return IsOpen();
+}
+
+std::u16string clsBinaryFile::OpenTemporaryBeside(const std::u16string& besideName) {
+    if (IsOpen()) CloseFile();
+    std::string beside = ToUtf8(besideName);
+    struct stat existing {};
+    bool keepMode = ::stat(beside.c_str(), &existing) == 0;
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        std::string name = beside + ".tmp" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
+        int fd = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (fd < 0) {
+            if (errno == EEXIST) continue;
+            return {};
+        }
+        // The renamed file should keep the permissions the project file had.
+        if (keepMode) (void)::fchmod(fd, existing.st_mode & 07777);
+        fd_ = fd;
+        writing_ = true;
+        hitEnd_ = false;
+        writeFailed_ = false;
+        buffer_.clear();
+        bufferPos_ = 0;
+        return FromUtf8(name);
+    }
+    return {};
+}
+
+bool clsBinaryFile::CloseFile() {
+    if (!IsOpen()) return !writeFailed_;
+    if (writing_) Flush();
+    if (::close(fd_) != 0 && writing_) writeFailed_ = true;
+    fd_ = -1;
+    buffer_.clear();
+    bufferPos_ = 0;
+    return !writeFailed_;
+}
+
+void clsBinaryFile::ReadBytes(char* into, size_t n) {
+    while (n > 0) {
+        if (bufferPos_ == buffer_.size()) {
+            buffer_.resize(kBufferSize);
+            ssize_t got = -1;
+            if (IsOpen() && !writing_) {
+                do got = ::read(fd_, buffer_.data(), kBufferSize);
+                while (got < 0 && errno == EINTR);
+            }
+            buffer_.resize(got > 0 ? static_cast<size_t>(got) : 0);
+            bufferPos_ = 0;
+            if (got <= 0) {
+                // Past the end (or unreadable): the rest reads as zeros.
+                std::fill(into, into + n, '\0');
+                hitEnd_ = true;
+                return;
+            }
+        }
+        size_t take = std::min(n, buffer_.size() - bufferPos_);
+        std::copy_n(buffer_.data() + bufferPos_, take, into);
+        bufferPos_ += take;
+        into += take;
+        n -= take;
+    }
+}
+
+void clsBinaryFile::WriteBytes(const char* from, size_t n) {
+    if (!IsOpen() || !writing_) {
+        writeFailed_ = true;
+        return;
+    }
+    buffer_.insert(buffer_.end(), from, from + n);
+    if (buffer_.size() >= kBufferSize) Flush();
+}
+
+bool clsBinaryFile::Flush() {
+    size_t done = 0;
+    while (done < buffer_.size()) {
+        ssize_t put = ::write(fd_, buffer_.data() + done, buffer_.size() - done);
+        if (put < 0 && errno == EINTR) continue;
+        if (put <= 0) {
+            writeFailed_ = true;
+            break;
+        }
+        done += static_cast<size_t>(put);
+    }
+    buffer_.clear();
+    return !writeFailed_;
+}
+
+int32_t clsBinaryFile::LoadNumeric() {
+    unsigned char b[4];
+    ReadBytes(reinterpret_cast<char*>(b), 4);
+    uint32_t v = uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 | uint32_t(b[3]) << 24;
+    return static_cast<int32_t>(v);
+}
+
+std::u16string clsBinaryFile::LoadString() {
+    int32_t n = LoadNumeric();
+    // The text of an overlong string is deliberately not skipped.
+    if (n < 1 || n >= kMaxStringRead) return {};
+    std::string bytes(static_cast<size_t>(n), '\0');
+    ReadBytes(bytes.data(), bytes.size());
+    std::u16string text(bytes.size(), u'\0');
+    for (size_t i = 0; i < bytes.size(); ++i) text[i] = static_cast<unsigned char>(bytes[i]);
+    return text;
+}
+
+void clsBinaryFile::SaveNumeric(int32_t lNum) {
+    uint32_t v = static_cast<uint32_t>(lNum);
+    char b[4] = {char(v & 0xFF), char(v >> 8 & 0xFF), char(v >> 16 & 0xFF), char(v >> 24 & 0xFF)};
+    WriteBytes(b, 4);
+}
+
+void clsBinaryFile::SaveString(const std::u16string& sz) {
+    SaveNumeric(static_cast<int32_t>(sz.size()));
+    std::string bytes(sz.size(), '?');
+    for (size_t i = 0; i < sz.size(); ++i)
+        if (sz[i] < 256) bytes[i] = static_cast<char>(sz[i]);
+    WriteBytes(bytes.data(), bytes.size());
+}
+
+void clsBinaryFile::Reset() {
+    if (!IsOpen()) return;
+    if (writing_) Flush();
+    ::lseek(fd_, 0, SEEK_SET);
+    buffer_.clear();
+    bufferPos_ = 0;
+    hitEnd_ = false;
+}
+
+clsBinaryFile& g_BinaryFile() {
+    static clsBinaryFile file;
+    return file;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,220 @@
+#include "scanner/block_scan.h"
+
+#include "common/constants.h"
+#include "common/text.h"
+#include "errorlog/errorlog.h"
+#include "scanner/class_stack.h"
+#include "scanner/splice_text.h"
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::string_view kModule = "clsQuillbox.cls";
+constexpr std::u16string_view kEndClassText = u"\u00ABEND\u00BFCLASS\u00BB";
+constexpr size_t npos = std::u16string::npos;
+
+void AddResult(std::vector<RWord>& results, std::u16string_view word, int32_t line, int16_t scope,
+               const std::u16string& className) {
+    RWord& r = results.emplace_back();
+    r.word = word;
+    r.Line = line;
+    r.Class = className;
+    r.Scope = scope;
+}
+
+// Cuts out every piece that opens and closes with `delim` on the line (string and
+// character literals). An unclosed one stays.
+void RemoveLiterals(std::u16string& line, std::u16string_view delim) {
+    if (line.empty() || delim.empty()) return;
+    SpliceText text(line);
+    size_t from = 0;
+    for (;;) {
+        size_t open = text.Find(delim, from);
+        if (open == npos) break;
+        size_t close = text.Find(delim, open + delim.size());
+        if (close == npos) break;
+        text.Erase(open, close + delim.size());
+        from = SpliceText::JunctionStart(open, delim.size());
+    }
+    text.Finish();
+}
+
+// Position of the first of two keywords found as a whole word (the first tried
+// first), with the keyword that matched.
+int32_t FindEither(const SyntaxTable& syntax, std::u16string_view line, const RTriple& words,
+                   std::u16string_view& found) {
+    int32_t pos = syntax.CheckOneWord(line, words.StartWord.word, 1);
+    found = words.StartWord.word;
+    if (pos == 0) {
+        pos = syntax.CheckOneWord(line, words.EndWord.word, 1);
+        found = words.EndWord.word;
+    }
+    return pos;
+}
+
+// The 0-based start of a whole word that CheckOneWord reported at `pos` (-1: it ends the line).
+size_t WordStart(std::u16string_view line, std::u16string_view word, int32_t pos) {
+    return pos == -1 ? line.size() - word.size() : static_cast<size_t>(pos - 1);
+}
+
+// The name after the class word at 1-based `start`: separators skipped, then up to
+// the next separator. Every character is looked up by its full code.
+std::u16string ClassName(const SyntaxTable& syntax, std::u16string_view line, int32_t start) {
+    size_t k = std::min(start > 0 ? static_cast<size_t>(start - 1) : 0, line.size());
+    while (k < line.size() && syntax.IsSeparator(line[k])) ++k;
+    size_t begin = k;
+    while (k < line.size() && !syntax.IsSeparator(line[k])) ++k;
+    std::u16string name = TrimSpaces(line.substr(begin, k - begin));
+    while (!name.empty() && name.back() == u':') name.pop_back();
+    return name;
+}
+
+class LevelScanner {
+public:
+    LevelScanner(const SyntaxTable& syntax, int16_t nLang, std::vector<RWord>& results)
+        : syntax_(syntax), nLang_(nLang), results_(results) {}
+
+    void ScanLine(std::u16string& L, int32_t i);
+
+private:
+    bool AtDeclarationLevel() const { return depth_ == stack_.Level() + 1; }
+    void TakeScope(std::u16string_view text) {
+        int16_t found = CheckScope(syntax_, text);
+        if (found >= 0) scope_ = found;
+    }
+    void SweepBlocks(std::u16string& L, int32_t i);
+
+    const SyntaxTable& syntax_;
+    const int16_t nLang_;
+    std::vector<RWord>& results_;
+    int32_t depth_ = 0;
+    int16_t scope_ = UNKNOWN_SCOPE;
+    bool inProcedure_ = false;
+    std::u16string candidate_;
+    clsStack stack_;
+};
+
+void LevelScanner::ScanLine(std::u16string& L, int32_t i) {
+    RemoveLiterals(L, syntax_.StringDelim);
+    RemoveLiterals(L, syntax_.CharDelim);
+
+    std::u16string_view word;
+    int32_t pos = FindEither(syntax_, L, syntax_.EndProcWords, word);
+    if (pos != 0) {
+        inProcedure_ = false;
+        L.erase(WordStart(L, word, pos), word.size());
+    }
+
+    if (FindEither(syntax_, L, syntax_.ProcWords, word) != 0) {
+        TakeScope(L);
+        AddResult(results_, L, i, scope_, stack_.Data());
+        L.clear();
+        inProcedure_ = true;
+    }
+
+    if (FindEither(syntax_, L, syntax_.VarWords, word) != 0 && !inProcedure_) {
+        AddResult(results_, L, i, kResultVariable, stack_.Data());
+        L.clear();
+    }
+
+    pos = syntax_.CheckOneWord(L, syntax_.ClassWord, 1);
+    if (pos != 0) {
+        if (L.find(u';') != npos) {
+            L.clear();  // a forward declaration
+        } else {
+            // A class word that ends the line reports -1, and the name is still read
+            // from -1 + the word's length.
+            candidate_ = ClassName(syntax_, L, pos + static_cast<int32_t>(syntax_.ClassWord.size()));
+            if (candidate_.find(u',') == npos) stack_.Push(candidate_, depth_);
+        }
+    }
+
+    if (!L.empty() && !syntax_.BlockStart.empty() && !syntax_.BlockEnd.empty()) SweepBlocks(L, i);
+
+    if (depth_ == stack_.Level()) inProcedure_ = false;
+}
+
+// Consumes the line delimiter by delimiter. The first opening and closing delimiter
+// are remembered and looked for again only once the line has been consumed past them.
+void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
+    const std::u16string& open = syntax_.BlockStart;
+    const std::u16string& close = syntax_.BlockEnd;
+    size_t cur = 0;
+    size_t p = L.find(open), q = L.find(close);
+    while (cur < L.size()) {
+        if (p != npos && p < cur) p = L.find(open, cur);
+        if (q != npos && q < cur) q = L.find(close, cur);
+        std::u16string_view rest = std::u16string_view(L).substr(cur);
+        if (p == npos && q == npos) {
+            if (AtDeclarationLevel()) {
+                TakeScope(rest);
+                AddResult(results_, rest, i, scope_, stack_.Data());
+            }
+            cur = L.size();
+            break;
+        }
+        if (p != npos && (q == npos || p < q)) {
+            size_t headLength = p - cur;
+            if (AtDeclarationLevel() && headLength >= 1) {
+                std::u16string_view head = rest.substr(0, headLength);
+                TakeScope(head);
+                AddResult(results_, head, i, scope_, stack_.Data());
+            }
+            // extern "C" { (the string already removed): the linkage block counts as a
+            // class body so its declarations stay at declaration level. It pushes
+            // whatever name the last class header left behind.
+            if (nLang_ == LANGUAGE_C && headLength > 5 && rest.substr(0, 6) == u"extern" &&
+                TrimSpaces(rest.substr(6, headLength - 6)).empty()) {
+                stack_.Push(candidate_, depth_);
+            }
+            ++depth_;
+            cur = p + open.size();
+            continue;
+        }
+        if (q != npos && (p == npos || q < p)) {
+            if (AtDeclarationLevel() &&
+                (nLang_ == LANGUAGE_C || nLang_ == LANGUAGE_JAVA || nLang_ == LANGUAGE_CINCLUDE)) {
+                AddResult(results_, kEndClassText, i, kResultEndClass, stack_.Data());
+            }
+            --depth_;
+            cur = q + close.size();
+            if (depth_ == stack_.Level()) stack_.Pop();
+            continue;
+        }
+        break;  // both delimiters at one place: the line cannot be consumed further
+    }
+    L.erase(0, cur);
+}
+
+}  // namespace
+
+int16_t CheckScope(const SyntaxTable& syntax, std::u16string_view line) {
+    int16_t scope = -1;
+    Trap(kModule, "Sub CheckScope", [&] {
+        for (const RWord* w : {&syntax.ScopeWords.StartWord, &syntax.ScopeWords.MiddleWord, &syntax.ScopeWords.EndWord}) {
+            if (syntax.CheckOneWord(line, w->word, 1) != 0) {
+                scope = w->Scope;
+                return;
+            }
+        }
+    });
+    return scope;
+}
+
+void TakeLevelsOut(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
+                   int16_t nLang, std::vector<RWord>& results) {
+    LevelScanner scanner(syntax, nLang, results);
+    std::u16string L;
+    // A run-time error ends the pass; the line being worked on keeps its earlier text.
+    Trap(kModule, "Sub TakeLevelsOut", [&] {
+        for (int32_t i = 1; i <= lineCount; ++i) {
+            std::u16string& stored = lines.at(static_cast<size_t>(i));
+            L.assign(stored);
+            scanner.ScanLine(L, i);
+            stored.swap(L);
+        }
+    });
+}
+
+}  // namespace kestrel

@@ -1,0 +1,151 @@
+#include "scanner/c_analysis.h"
+
+#include "common/text.h"
+#include "errorlog/errorlog.h"
+#include "scanner/text_search.h"
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::string_view kModule = "clsQuillbox.cls";
+constexpr size_t npos = std::u16string_view::npos;
+
+bool IsNameBreak(char16_t c) {
+    return c == u' ' || c == u'&' || c == u'*';
+}
+
+}  // namespace
+
+void CAnalysis::ProcessDeclaration(RWord& wrd) {
+    Trap(kModule, "Sub ProcessDeclaration", [&] {
+        std::u16string_view text = wrd.word;
+        if (!text.empty() && text[0] == u'#') return;  // preprocessor lines
+        if (text.substr(0, 7) == u"typedef") return;
+        size_t p = text.find(u'(');
+        if (p == npos) {
+            ProcessCVariable(wrd);
+            return;
+        }
+        size_t op = text.find(u"operator");
+        const bool isOperator = op != npos && op < p;
+        size_t eq = text.find(u'=');
+        if (eq != npos && eq < p && !isOperator) {
+            ProcessCVariable(wrd);  // an initialiser that calls something
+            return;
+        }
+
+        std::u16string head = TrimSpaces(text.substr(0, p));
+        int32_t sep = -1;  // 1-based position of the name break before the name
+        std::u16string className;
+        size_t c = head.find(u"::");
+        if (c == npos) {
+            className = wrd.Class;
+        } else {
+            // The qualifier written in the text wins over the enclosing class.
+            size_t i = c;
+            while (i > 0 && !IsNameBreak(head[i - 1])) --i;
+            if (i > 0) sep = static_cast<int32_t>(i);
+            className = head.substr(i, c - i);
+            head = TrimSpaces(std::u16string_view(head).substr(c + 2));
+        }
+        if (head.empty()) return;
+
+        size_t blank = head.rfind(u' ');
+        if (blank != npos) head = TrimSpaces(std::u16string_view(head).substr(blank + 1));
+        if (head.empty()) return;
+
+        if (isOperator) {
+            size_t at = head.find(u"operator");
+            if (at != npos) head.erase(0, at + 8);
+            head.insert(0, u"operator ");
+        }
+
+        if (sep < 1 && !isOperator) {
+            size_t n = FindText(wrd.word, head);
+            for (size_t k = 0; n != npos && k <= n && k < wrd.word.size(); ++k) {
+                if (IsNameBreak(wrd.word[k])) {
+                    sep = static_cast<int32_t>(k + 1);
+                    break;
+                }
+            }
+        }
+        // Nothing before the name: only a constructor or destructor is a declaration
+        // (this rejects calls such as foo(1); and macro lines).
+        if (sep == -1 && !isOperator && head != className && head != u"~" + className) return;
+
+        std::u16string fullName = className + u"::" + head;
+        std::u16string paramText = params.CollectParams(wrd);
+        output.WriteDeclare__(fullName, wrd.Line, wrd.Scope, paramText);
+    });
+}
+
+void CAnalysis::ProcessCVariable(RWord& wrd) {
+    Trap(kModule, "Sub ProcessCVariable", [&] {
+        std::u16string& word = wrd.word;
+        if (word.empty() || word[0] == u'#') return;
+
+        size_t semicolon = word.find(u';');
+        if (semicolon != npos) {
+            word.resize(semicolon);
+        } else {
+            // Without a semicolon only an initialiser continued in a block is taken
+            // (int a[] = followed by a brace).
+            size_t last = word.find_last_not_of(u' ');
+            if (last == npos || word[last] != u'=') return;
+        }
+
+        // Cutting after the first ":" and trimming, again and again, leaves the
+        // trimmed text after the last one: access labels and every qualifier go.
+        size_t colon = word.rfind(u':');
+        if (colon != npos) word = TrimSpaces(std::u16string_view(word).substr(colon + 1));
+
+        size_t bracket = word.find(u'[');
+        if (bracket != npos) word.resize(bracket);
+
+        size_t paren = word.find(u'(');
+        if (paren == npos) {
+            if (word.find(u',') != npos) return;  // several variables: skipped whole
+        } else {
+            size_t eq = word.find(u'=');
+            if (eq == npos || eq > paren) return;
+        }
+
+        size_t eq = word.find(u'=');
+        std::u16string decl = TrimSpaces(std::u16string_view(word).substr(0, eq));
+
+        size_t k = decl.size();
+        while (k > 0) {
+            char16_t ch = decl[k - 1];
+            if (ch == u' ' || ch == u'*') break;
+            if (ch == u',') return;
+            --k;
+        }
+        if (k == 0) return;  // a single word
+
+        std::u16string name = decl.substr(k);
+        std::u16string typeText = CollectCVarParams(wrd, name);
+        std::u16string fullName = wrd.Class + u"::" + name;
+        if (syntax.IsSeparator(fullName.back())) return;
+        output.WriteVariable__(fullName, wrd.Line, wrd.Scope, typeText);
+    });
+}
+
+std::u16string CollectCVarParams(const RWord& wrd, std::u16string_view name) {
+    std::u16string typeText;
+    Trap(kModule, "Function CollectCVarParams", [&] {
+        size_t at = FindLastText(wrd.word, name);
+        if (at != npos && at >= 2) typeText = TrimSpaces(std::u16string_view(wrd.word).substr(0, at));
+    });
+    return typeText;
+}
+
+int32_t AssignmentOffset(std::u16string_view line) {
+    for (char16_t sign : {u'=', u'>', u'<', u'#'}) {
+        size_t at = line.find(sign);
+        if (at != npos) return static_cast<int32_t>(at + 1);
+    }
+    return -1;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,32 @@
+#pragma once
+// Declaration analysis for C, C++ and Java statements: decides between function and
+// variable by plain text searches and writes what it finds to the output.
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "scanner/params.h"
+#include "scanner/rword.h"
+#include "scanner/scan_output.h"
+#include "scanner/syntax.h"
+
+namespace kestrel {
+
+struct CAnalysis {
+    const SyntaxTable& syntax;
+    ParamCollector& params;
+    ScanOutput& output;
+
+    void ProcessDeclaration(RWord& wrd);
+    // Writes its trimmed statement text back into wrd.word.
+    void ProcessCVariable(RWord& wrd);
+};
+
+// The type text before a variable's name: the statement before the last occurrence of
+// the name, trimmed ("" when that occurrence starts within the first two characters).
+std::u16string CollectCVarParams(const RWord& wrd, std::u16string_view name);
+
+// 1-based position of the first "=", else ">", else "<", else "#" in line; -1 if none.
+int32_t AssignmentOffset(std::u16string_view line);
+
+}  // namespace kestrel

@@ -1,0 +1,20 @@
+#include "scanner/class_stack.h"
+
+namespace kestrel {
+
+void clsStack::Push(std::u16string Data, int32_t Level) {
+    Entry& entry = entries_.at(static_cast<size_t>(top_) + 1);
+    ++top_;
+    entry.Data = std::move(Data);
+    entry.Level = Level;
+}
+
+void clsStack::Pop() {
+    if (--top_ < 0) top_ = 0;
+}
+
+const std::u16string& clsStack::Data() const {
+    return entries_[static_cast<size_t>(top_ > 0 ? top_ : 0)].Data;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,30 @@
+#pragma once
+// The classes whose bodies are open, innermost on top. Bounded: entry 0 is never
+// used and at most 1024 classes can be open at once.
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace kestrel {
+
+class clsStack {
+public:
+    // A 1025th entry raises "Subscript out of range" for the caller's error trap.
+    void Push(std::u16string Data, int32_t Level);
+    // Popping an empty stack does nothing.
+    void Pop();
+    // The top entry's class name, or "" when empty.
+    const std::u16string& Data() const;
+    // The block depth of the top entry's header, or -1 when empty.
+    int32_t Level() const { return top_ > 0 ? entries_[static_cast<size_t>(top_)].Level : -1; }
+
+private:
+    struct Entry {
+        std::u16string Data;
+        int32_t Level = 0;
+    };
+    std::array<Entry, 1025> entries_{};
+    int32_t top_ = 0;
+};
+
+}  // namespace kestrel

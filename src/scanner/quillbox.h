@@ -1,0 +1,53 @@
+#pragma once
+// The scanner: turns one source text into declarations reported to a ScanOutput.
+// One instance scans one text at a time; it can be reused for the next.
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "scanner/rword.h"
+#include "scanner/scan_output.h"
+#include "scanner/syntax.h"
+
+namespace kestrel {
+
+class clsQuillbox {
+public:
+    // The vocabulary of the language being scanned, rebuilt by every scan.
+    SyntaxTable syntax;
+
+    // Scans the file named by output.FileName(). False when it cannot be opened
+    // (then nothing is written to output).
+    bool ParseFile(ScanOutput& output, int16_t nLang);
+    // Scans lines supplied by the host (an editor buffer). Returns true.
+    bool ParseEmbeededFile(ScanOutput& output, int16_t nLang, LineSource& source);
+
+    // Diagnostic dumps into fixed files of the current directory: the line array to
+    // "c:\debug.txt" and the result list to "c:\debug_result.txt".
+    void DebugFile();
+    void DebugResult();
+
+    // The result list of the last scan (kept until the next scan starts).
+    const std::vector<RWord>& Results() const { return results_; }
+    // The line array: entry 0 unused, line N of the text at entry N.
+    const std::vector<std::u16string>& Lines() const { return lines_; }
+    int32_t LineCount() const { return lineCount_; }
+
+    // Diagnostics: called once the lines are read, cleaned and free of comments,
+    // right before the block-level pass rewrites them.
+    void SetBeforeBlockPass(std::function<void(const clsQuillbox&)> hook) { beforeBlockPass_ = std::move(hook); }
+
+private:
+    void StartScan(ScanOutput& output, int16_t nLang);
+    void StoreLine(std::u16string raw);
+    void RunPasses(ScanOutput& output, int16_t nLang);
+    void SecondPass(ScanOutput& output, int16_t nLang);
+
+    std::vector<std::u16string> lines_;
+    int32_t lineCount_ = 0;
+    std::vector<RWord> results_;
+    std::function<void(const clsQuillbox&)> beforeBlockPass_;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,122 @@
+// Lazy filling of class nodes, folding them back, and rescans around both.
+#include "control_fixture.h"
+
+namespace kestrel::test {
+namespace {
+
+constexpr const char* kHeader =
+    "class Shape {\n"
+    "public:\n"
+    "    int Area(int scale);\n"
+    "private:\n"
+    "    int width;\n"
+    "};\n";
+constexpr const char* kSource =
+    "int Shape::Area(int scale) {\n"
+    "    return scale;\n"
+    "}\n"
+    "void Shape::Draw() {\n"
+    "}\n";
+
+// A project with a header and its implementation, saved and loaded back, so that its
+// class node holds the placeholder.
+class Expansion : public ControlTest {
+protected:
+    void SetUp() override {
+        ControlTest::SetUp();
+        project = Path("shapes.kpr");
+        view->NewProject(project, LANGUAGE_C, 0);
+        view->files()->Add(Write("shape.h", kHeader), FILETYPE_DEFINITION);
+        view->files()->Add(Write("shape.cpp", kSource), FILETYPE_IMPLEMENTATION);
+        filled = Outline(0, true);
+        ASSERT_TRUE(view->Save());
+        view->CloseProject();
+        ASSERT_TRUE(view->Load(project));
+        shapeNode = Node(u"--Shape");
+        ASSERT_NE(shapeNode, kNoNode);
+    }
+
+    std::u16string project;
+    std::string filled;
+    NodeId shapeNode = kNoNode;
+};
+
+TEST_F(Expansion, ALoadedClassWaitsBehindItsPlaceholder) {
+    EXPECT_EQ(Outline(0, true),
+              "shapes  [++shapes] 10\n"
+              "  Shape  [--Shape] 1\n"
+              "    |  [[[--Shape] 0\n");
+}
+
+TEST_F(Expansion, ExpandingFillsFromHeaderAndImplementationMerged) {
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_EQ(Outline(0, true), filled);
+    EXPECT_EQ(Outline(0, true),
+              "shapes  [++shapes] 10\n"
+              "  Shape  [--Shape] 1\n"
+              "    Functions  [``Shape] 6\n"
+              "      Area(int scale)  [!!Shape::AREA(INTSCALE)] 6 tag 3\n"
+              "      Draw()  [!!Shape::DRAW()] 6 tag 1\n"
+              "    Variables  [''Shape] 3\n"
+              "      int width  [**Shape::width] 5 tag 2\n");
+    const std::string once = Outline(0, true);
+    platform.classTree.UserExpand(shapeNode);  // no placeholder any more
+    EXPECT_EQ(Outline(0, true), once);
+    EXPECT_TRUE(errors.reports.empty());
+}
+
+TEST_F(Expansion, ProjectNodeFoldersAndTheFileTreeAreNotFilled) {
+    platform.classTree.UserExpand(Node(u"++shapes"));
+    EXPECT_EQ(platform.classTree.ChildCount(shapeNode), 1);
+    view->tView_Expand(1, shapeNode);  // the file tree's expansions fill nothing
+    EXPECT_EQ(platform.classTree.ChildCount(shapeNode), 1);
+    platform.classTree.UserExpand(shapeNode);
+    const std::string full = Outline();
+    platform.classTree.UserExpand(Node(u"``Shape"));
+    EXPECT_EQ(Outline(), full);
+}
+
+TEST_F(Expansion, CollapsingFoldsTheClassBackBehindItsPlaceholder) {
+    platform.classTree.UserExpand(shapeNode);
+    platform.classTree.UserCollapse(shapeNode);
+    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
+    EXPECT_FALSE(platform.classTree.Expanded(shapeNode));
+    platform.classTree.UserCollapse(Node(u"++shapes"));  // not a class: left alone
+    EXPECT_EQ(platform.classTree.ChildCount(Node(u"++shapes")), 1);
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_EQ(Outline(0, true), filled);
+}
+
+TEST_F(Expansion, ARescanLeavesAnUnopenedClassToItsExpansion) {
+    FilePtr source = view->files()->FindFile(Path("shape.cpp"));
+    ASSERT_TRUE(source);
+    Write("shape.cpp", std::string(kSource) + "void Shape::Fill() {\n}\n");
+    source->UpdateFile();
+    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_NE(Node(u"!!Shape::FILL()"), kNoNode);
+}
+
+TEST_F(Expansion, UpdatingAllFilesFoldsEveryClass) {
+    platform.classTree.UserExpand(shapeNode);
+    Write("shape.h", std::string(kHeader) + "class Extra {\n    int n;\n};\n");
+    view->files()->UpdateAllFiles();
+    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
+    // A class first seen in the rescan gets real folders at once.
+    EXPECT_EQ(ChildKeys(Node(u"--Extra")), (std::vector<std::u16string>{u"''Extra"}));
+}
+
+TEST_F(Expansion, FormFilesAreSkippedWhenFilling) {
+    // A form is never scanned, but a project file may say a scanned file is one.
+    view->files()->FindFile(Path("shape.h"))->FileType(FILETYPE_FORM);
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_EQ(Outline(),
+              "shapes\n  Shape\n    Functions\n      Area(int scale)\n      Draw()\n");
+    view->files()->FindFile(Path("shape.cpp"))->FileType(FILETYPE_NOPARSE);
+    platform.classTree.UserCollapse(shapeNode);
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_EQ(ChildKeys(shapeNode).size(), 0u);  // placeholder gone, nothing added
+}
+
+}  // namespace
+}  // namespace kestrel::test

@@ -1,0 +1,158 @@
+// How the model's changes show in the trees: keys, texts, images, tags and order.
+#include "control_fixture.h"
+
+namespace kestrel::test {
+namespace {
+
+class NodeOperations : public ControlTest {
+protected:
+    void SetUp() override {
+        ControlTest::SetUp();
+        view->NewProject(u"/work/proj/demo.kpr", LANGUAGE_C, 7);
+    }
+};
+
+TEST_F(NodeOperations, FirstFunctionCreatesProjectClassAndFunctionsFolderOnly) {
+    FilePtr file = MakeFile(u"/work/proj/shape.cpp", FILETYPE_IMPLEMENTATION);
+    ClassPtr shape = MakeClass(u"Shape");
+    view->AddFunction__(MakeFunction(u"Area", u"(int scale)", PROTECTED_SCOPE, u"note"), shape, file);
+    EXPECT_EQ(Outline(0, true),
+              "demo  [++demo] 10\n"
+              "  Shape  [--Shape] 1\n"
+              "    Functions  [``Shape] 6\n"
+              "      Area(int scale)  [!!Shape::AREA(INTSCALE)] 7 tag 1note\n");
+    EXPECT_EQ(platform.classTree.ExpandedImage(Node(u"++demo")), 11);
+    EXPECT_FALSE(platform.classTree.SortedChildren(Node(u"--Shape")));
+    EXPECT_TRUE(platform.classTree.SortedChildren(Node(u"``Shape")));
+
+    view->AddVariable__(MakeVariable(u"width", u"int", PRIVATE_SCOPE), shape, file);
+    view->AddVariable__(MakeVariable(u"name", u""), shape, file);
+    EXPECT_EQ(ChildKeys(Node(u"--Shape")), (std::vector<std::u16string>{u"``Shape", u"''Shape"}));
+    EXPECT_EQ(Outline(0, true),
+              "demo  [++demo] 10\n"
+              "  Shape  [--Shape] 1\n"
+              "    Functions  [``Shape] 6\n"
+              "      Area(int scale)  [!!Shape::AREA(INTSCALE)] 7 tag 1note\n"
+              "    Variables  [''Shape] 3\n"
+              "      int width  [**Shape::width] 5 tag 1\n"
+              "      name  [**Shape::name] 3 tag 1\n");
+}
+
+TEST_F(NodeOperations, EntriesAreOrderedByTextWithoutRegardToCase) {
+    FilePtr file = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
+    ClassPtr c = MakeClass(u"C");
+    view->AddFunction__(MakeFunction(u"beta", u"()"), c, file);
+    view->AddFunction__(MakeFunction(u"Alpha", u"()"), c, file);
+    view->AddFunction__(MakeFunction(u"alpha", u"(int)"), c, file);
+    view->AddVariable__(MakeVariable(u"z", u""), c, file);
+    view->AddVariable__(MakeVariable(u"Y", u""), c, file);
+    EXPECT_EQ(Outline(),
+              "demo\n  C\n    Functions\n      Alpha()\n      alpha(int)\n      beta()\n"
+              "    Variables\n      Y\n      z\n");
+}
+
+TEST_F(NodeOperations, ARepeatedEntryIsARefreshNotASecondNode) {
+    FilePtr file = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
+    ClassPtr c = MakeClass(u"C");
+    ItemPtr f = MakeFunction(u"Run", u"()", PUBLIC_SCOPE, u"first");
+    view->AddFunction__(f, c, file);
+    f->UserData = u"second";
+    f->Scope = PRIVATE_SCOPE;
+    view->AddFunction__(f, c, file);
+    NodeId node = Node(u"!!C::RUN()");
+    EXPECT_EQ(platform.classTree.ChildCount(Node(u"``C")), 1);
+    EXPECT_EQ(platform.classTree.Tag(node), u"1second");
+    EXPECT_EQ(platform.classTree.Image(node), 6);  // kept from the first addition
+}
+
+TEST_F(NodeOperations, HeaderAndImplementationShareOneNodeUntilBothAreGone) {
+    FilePtr header = MakeFile(u"/work/proj/a.h", FILETYPE_DEFINITION);
+    FilePtr source = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
+    ClassPtr c = MakeClass(u"C");
+    ItemPtr f = MakeFunction(u"Run", u"()");
+    view->AddFunction__(f, c, header);
+    EXPECT_EQ(platform.classTree.Tag(Node(u"!!C::RUN()")), u"2");
+    view->AddFunction__(f, c, source);
+    EXPECT_EQ(platform.classTree.Tag(Node(u"!!C::RUN()")), u"3");
+    view->RemoveFunction__(f, c, source);
+    EXPECT_EQ(platform.classTree.Tag(Node(u"!!C::RUN()")), u"2");
+    view->RemoveFunction__(f, c, header);
+    EXPECT_EQ(Node(u"!!C::RUN()"), kNoNode);
+    view->RemoveFunction__(f, c, header);  // a miss ends quietly
+    EXPECT_TRUE(errors.reports.empty());
+}
+
+TEST_F(NodeOperations, ATagWithoutLeadingDigitCountsAsNoBit) {
+    FilePtr source = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
+    ClassPtr c = MakeClass(u"C");
+    ItemPtr v = MakeVariable(u"count", u"int");
+    view->AddVariable__(v, c, source);
+    NodeId node = Node(u"**C::count");
+    platform.classTree.SetTag(node, u"x1");
+    EXPECT_EQ(view->SetATag__(node, u"text"), u"0text");
+    view->RemoveVariable__(v, c, MakeFile(u"/work/proj/a.h", FILETYPE_DEFINITION));
+    EXPECT_EQ(Node(u"**C::count"), kNoNode);
+}
+
+TEST_F(NodeOperations, FilesGoIntoTheFolderOfTheirType) {
+    view->AddFile__(MakeFile(u"/work/proj/src/a.cpp", FILETYPE_IMPLEMENTATION));
+    view->AddFile__(MakeFile(u"/work/proj/a.h", FILETYPE_DEFINITION));
+    view->AddFile__(MakeFile(u"/work/proj/main.frm", FILETYPE_FORM));
+    view->AddFile__(MakeFile(u"/work/proj/notes.txt", FILETYPE_NOPARSE));
+    view->AddFile__(MakeFile(u"/work/proj/odd.x", 9));
+    EXPECT_EQ(Outline(1, true),
+              "demo  [++demo] 10\n"
+              "  Definition  [definition] 13\n"
+              "    a.h  [/work/proj/a.h] 13\n"
+              "  Forms  [Forms] 14\n"
+              "    main.frm  [/work/proj/main.frm] 14\n"
+              "  Implementation  [implementation] 12\n"
+              "    a.cpp  [/work/proj/src/a.cpp] 12\n"
+              "  Other  [other] 15\n"
+              "    notes.txt  [/work/proj/notes.txt] 15\n"
+              "    odd.x  [/work/proj/odd.x] 15\n");
+}
+
+TEST_F(NodeOperations, SelectImageAndFindOrCreate) {
+    EXPECT_EQ(TreeView::SelectImage__(PRIVATE_SCOPE, 7), 9);
+    EXPECT_EQ(TreeView::SelectImage__(PROTECTED_SCOPE, 7), 8);
+    EXPECT_EQ(TreeView::SelectImage__(PUBLIC_SCOPE, 7), 7);
+    EXPECT_EQ(TreeView::SelectImage__(UNKNOWN_SCOPE, 7), 7);
+
+    NodeId root = view->GetANode__(u"++x", u"x", kNoNode, 10);
+    NodeId child = view->GetANode__(u"k", u"first", root, 4);
+    EXPECT_EQ(view->GetANode__(u"k", u"second", root, 5), child);
+    EXPECT_EQ(platform.classTree.Text(child), u"first");
+    EXPECT_EQ(platform.classTree.Image(child), 5);
+    EXPECT_EQ(platform.classTree.ExpandedImage(child), 5);
+    EXPECT_EQ(view->GetANodeEx__(1, u"k", u"other tree", kNoNode, 3), Node(u"k", 1));
+}
+
+TEST_F(NodeOperations, AClassNodeStaysWhileAnotherFileHoldsTheClass) {
+    std::u16string h = Write("c.h", "class C {\npublic:\n    void Run();\n};\n");
+    std::u16string cpp = Write("c.cpp", "void C::Run() {\n}\n");
+    view->NewProject(Path("p.kpr"), LANGUAGE_C, 0);
+    AllFilesPtr files = view->files();
+    files->Add(h, FILETYPE_DEFINITION);
+    FilePtr source = files->Add(cpp, FILETYPE_IMPLEMENTATION);
+    ClassPtr c = source->GetClass(u"C");
+    ASSERT_TRUE(c);
+    view->RemoveClass__(c, source);
+    EXPECT_NE(Node(u"--C"), kNoNode);
+    view->RemoveClass__(c, files->FindFile(h));
+    EXPECT_NE(Node(u"--C"), kNoNode);  // the implementation still holds it
+    files->Remove(h);
+    view->RemoveClass__(c, source);
+    EXPECT_EQ(Node(u"--C"), kNoNode);
+}
+
+TEST_F(NodeOperations, AFunctionWithoutClassIsNotShown) {
+    FilePtr file = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
+    view->SetCurrentClass(MakeClass(u"C"), file);
+    view->AddFunction__(MakeFunction(u"f", u"()"), nullptr, file);
+    EXPECT_EQ(ChildKeys(Node(u"``C")).size(), 0u);
+    EXPECT_EQ(Outline(), "demo\n  C\n    Functions\n");
+}
+
+}  // namespace
+}  // namespace kestrel::test

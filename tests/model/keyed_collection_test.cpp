@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "model/keyed_collection.h"
+
+using namespace kestrel;
+
+namespace {
+
+using Numbers = KeyedCollection<int>;
+
+void AddNumbers(Numbers& c, int from, int to) {
+    for (int i = from; i <= to; ++i) c.Add(ToText(i), std::make_shared<int>(i));
+}
+
+}  // namespace
+
+TEST(KeyedCollection, KeepsInsertionOrderAndFindsByPositionOrCaseBlindKey) {
+    Numbers c;
+    c.Add(u"beta", std::make_shared<int>(1));
+    c.Add(u"Alpha", std::make_shared<int>(2));
+    c.Add(u"", std::make_shared<int>(3));  // the empty string is an ordinary key
+    ASSERT_EQ(c.Count(), 3);
+    EXPECT_EQ(*c.At(1), 1);
+    EXPECT_EQ(*c.At(2), 2);
+    EXPECT_EQ(*c.At(3), 3);
+    EXPECT_EQ(c.At(0), nullptr);
+    EXPECT_EQ(c.At(4), nullptr);
+    EXPECT_EQ(*c.Find(u"ALPHA"), 2);
+    EXPECT_EQ(*c.Find(u"Beta"), 1);
+    EXPECT_EQ(*c.Find(u""), 3);
+    EXPECT_EQ(c.Find(u"gamma"), nullptr);
+    int order[3], n = 0;
+    for (const auto& v : c) order[n++] = *v;
+    EXPECT_EQ(n, 3);
+    EXPECT_EQ(order[0], 1);
+    EXPECT_EQ(order[2], 3);
+}
+
+TEST(KeyedCollection, AnExistingKeyInAnyCaseIsAnError) {
+    Numbers c;
+    c.Add(u"count", std::make_shared<int>(1));
+    EXPECT_FALSE(c.TryAdd(u"COUNT", std::make_shared<int>(2)));
+    try {
+        c.Add(u"Count", std::make_shared<int>(3));
+        FAIL() << "no error for a duplicate key";
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.Number(), kErrKeyExists);
+    }
+    EXPECT_EQ(c.Count(), 1);
+    EXPECT_THROW(c.Item(2), RuntimeError);
+    EXPECT_THROW(c.Item(u"nope"), RuntimeError);
+}
+
+TEST(KeyedCollection, PositionsCloseUpAfterRemovalByPositionOrKey) {
+    Numbers c;
+    AddNumbers(c, 1, 5);
+    EXPECT_TRUE(c.Remove(2));
+    EXPECT_TRUE(c.Remove(u"4"));
+    EXPECT_FALSE(c.Remove(u"4"));
+    EXPECT_FALSE(c.Remove(4));
+    ASSERT_EQ(c.Count(), 3);
+    EXPECT_EQ(*c.At(1), 1);
+    EXPECT_EQ(*c.At(2), 3);
+    EXPECT_EQ(*c.At(3), 5);
+    c.Add(u"2", std::make_shared<int>(20));  // a removed key is free again, and goes last
+    EXPECT_EQ(*c.At(4), 20);
+}
+
+TEST(KeyedCollection, RemoveWhereSweepsInOrderAndStopsAtAnError) {
+    Numbers c;
+    AddNumbers(c, 1, 10);
+    std::vector<int> seen;
+    c.RemoveWhere([&](const std::shared_ptr<int>& v) {
+        seen.push_back(*v);
+        return *v % 2 == 0;
+    });
+    EXPECT_EQ(seen.size(), 10u);
+    ASSERT_EQ(c.Count(), 5);
+    for (int i = 1; i <= 5; ++i) EXPECT_EQ(*c.At(i), 2 * i - 1);
+
+    EXPECT_THROW(c.RemoveWhere([](const std::shared_ptr<int>& v) {
+        if (*v == 5) throw RuntimeError(kErrInvalidCall, "stop");
+        return true;
+    }),
+                 RuntimeError);
+    ASSERT_EQ(c.Count(), 3);  // 1 and 3 went, 5 and everything after stayed
+    EXPECT_EQ(*c.At(1), 5);
+}
+
+TEST(KeyedCollection, LargeCollectionsStayConsistentThroughSweepsAndDraining) {
+    Numbers c;
+    const int n = 50000;
+    AddNumbers(c, 1, n);
+    c.RemoveWhere([](const std::shared_ptr<int>& v) { return *v % 3 != 0; });
+    ASSERT_EQ(c.Count(), n / 3);
+    EXPECT_EQ(*c.At(1), 3);
+    EXPECT_EQ(*c.At(c.Count()), 3 * (n / 3));
+    EXPECT_EQ(*c.Find(u"300"), 300);
+    EXPECT_EQ(c.Find(u"301"), nullptr);
+    // Interleave removals at the front with lookups in the middle.
+    for (int k = 1; k <= 1000; ++k) {
+        ASSERT_TRUE(c.Remove(1));
+        ASSERT_EQ(*c.At(1), 3 * (k + 1));
+        ASSERT_EQ(*c.At(c.Count() / 2), 3 * (k + c.Count() / 2));
+    }
+    while (c.Count() >= 1) c.Remove(1);
+    EXPECT_EQ(c.Count(), 0);
+    EXPECT_EQ(c.begin(), c.end());
+    c.Add(u"again", std::make_shared<int>(7));
+    EXPECT_EQ(*c.At(1), 7);
+}
