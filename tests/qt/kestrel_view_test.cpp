@@ -67,7 +67,10 @@ private slots:
         kestrel::view::CodeEditor& editor = window.Editor();
         editor.moveCursor(QTextCursor::End);
         QSignalSpy rescanned(&window, &MainWindow::rescanned);
-        QTest::keyClicks(&editor, "\nint AddedWhileTyping(int n)\n{\n    return n;\n}\n");
+        for (const char* line : {"", "int AddedWhileTyping(int n)", "{", "    return n;", "}"}) {
+            QTest::keyClicks(&editor, line);
+            QTest::keyClick(&editor, Qt::Key_Return);
+        }
         QCOMPARE(rescanned.count(), 0);  // not while the user is still typing
         QVERIFY(rescanned.wait(5000));
 

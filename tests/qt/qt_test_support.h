@@ -39,7 +39,10 @@ inline QStringList TopTexts(const QTreeWidget* tree) {
     return texts;
 }
 
+// Where an item is drawn; the tree lays its items out late, so that is done first.
 inline QPoint CenterOf(QTreeWidget* tree, QTreeWidgetItem* item) {
+    tree->doItemsLayout();
+    tree->scrollToItem(item);
     return tree->visualItemRect(item).center();
 }
 
