@@ -62,7 +62,7 @@ MainWindow::MainWindow(QWidget* parent)
     splitter->addWidget(editor_);
     splitter->setStretchFactor(0, 0);
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({300, 700});
+    splitter->setSizes({340, 760});
     setCentralWidget(splitter);
     view_->setAutoToolTip(true);
     editor_->setReadOnly(true);
@@ -177,9 +177,12 @@ void MainWindow::AddPendingFiles() {
     }
     progress_->setValue(pendingTotal_ - static_cast<int>(pending_.size()));
     if (!pending_.empty()) return;
-    addTimer_.stop();
-    progress_->hide();
-    statusBar()->showMessage(tr("%n file(s) in the project", nullptr, view_->files()->count()), 4000);
+    if (addTimer_.isActive()) {
+        addTimer_.stop();
+        progress_->hide();
+        statusBar()->showMessage(tr("%n file(s) in the project", nullptr, view_->files()->count()), 4000);
+    }
+    OpenProjectNodes();
     emit openFinished();
 }
 
@@ -199,6 +202,7 @@ bool MainWindow::OpenProject(const QString& projectFile, bool inBackground) {
         return false;
     }
     FollowTimedLoad();
+    OpenProjectNodes();
     emit openFinished();
     return true;
 }
@@ -338,6 +342,14 @@ QString MainWindow::StatusText() const {
 }
 
 void MainWindow::ShowCursorPlace() { place_->setText(StatusText()); }
+
+// The project node of each tree is opened, so the classes and file kinds show at once.
+void MainWindow::OpenProjectNodes() {
+    for (int index : {0, 1}) {
+        QTreeWidget* tree = view_->tree(index);
+        for (int i = 0; i < tree->topLevelItemCount(); ++i) tree->expandItem(tree->topLevelItem(i));
+    }
+}
 
 void MainWindow::ExpandAllClasses() {
     QTreeWidget* tree = view_->tree(0);

@@ -69,6 +69,7 @@ private:
     void OpenSelection();
     void Rescan();
     void ShowCursorPlace();
+    void OpenProjectNodes();
     void FollowTimedLoad();
     void SetProjectTitle();
     void Report(const QString& message);
