@@ -58,7 +58,10 @@ int main(int argc, char** argv) {
         return app.exec();
     }
 
-    // With the project open at once (no timed loading), the picture shows all of it.
+    // With the project open at once (no timed loading), the picture shows all of it;
+    // the window is laid out first so the code pane scrolls to the function properly.
+    window.show();
+    QApplication::processEvents();
     window.ShowFirstFunction();
     const QString file = parser.value(screenshot);
     if (!kestrel::view::WriteScreenshot(window, file)) {
