@@ -125,7 +125,9 @@ TEST_F(NodeOperations, SelectImageAndFindOrCreate) {
     EXPECT_EQ(platform.classTree.Text(child), u"first");
     EXPECT_EQ(platform.classTree.Image(child), 5);
     EXPECT_EQ(platform.classTree.ExpandedImage(child), 5);
-    EXPECT_EQ(view->GetANodeEx__(1, u"k", u"other tree", kNoNode, 3), Node(u"k", 1));
+    NodeId inFileTree = view->GetANodeEx__(1, u"k", u"other tree", kNoNode, 3);
+    EXPECT_EQ(inFileTree, Node(u"k", 1));
+    EXPECT_EQ(platform.fileTree.ExpandedImage(inFileTree), 11);
 }
 
 TEST_F(NodeOperations, AClassNodeStaysWhileAnotherFileHoldsTheClass) {

@@ -8,4 +8,22 @@ namespace kestrel::cli {
 int RunScan(int argc, char** argv);
 void ScanHelp(std::ostream& out);
 
+// The project commands: each drives a TreeView on the in-memory platform.
+int RunNew(int argc, char** argv);
+void NewHelp(std::ostream& out);
+int RunAdd(int argc, char** argv);
+void AddHelp(std::ostream& out);
+int RunRemove(int argc, char** argv);
+void RemoveHelp(std::ostream& out);
+int RunUpdate(int argc, char** argv);
+void UpdateHelp(std::ostream& out);
+int RunTree(int argc, char** argv);
+void TreeHelp(std::ostream& out);
+int RunDump(int argc, char** argv);
+void DumpHelp(std::ostream& out);
+int RunWhere(int argc, char** argv);
+void WhereHelp(std::ostream& out);
+int RunFind(int argc, char** argv);
+void FindHelp(std::ostream& out);
+
 }  // namespace kestrel::cli

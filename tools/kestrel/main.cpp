@@ -15,6 +15,14 @@ struct Command {
 
 const Command kCommands[] = {
     {"scan", kestrel::cli::RunScan, kestrel::cli::ScanHelp, "list the declarations the scanner finds in source files"},
+    {"new", kestrel::cli::RunNew, kestrel::cli::NewHelp, "create a project file from source files and folders"},
+    {"add", kestrel::cli::RunAdd, kestrel::cli::AddHelp, "add source files to a project"},
+    {"remove", kestrel::cli::RunRemove, kestrel::cli::RemoveHelp, "remove source files from a project"},
+    {"update", kestrel::cli::RunUpdate, kestrel::cli::UpdateHelp, "rescan every file of a project"},
+    {"tree", kestrel::cli::RunTree, kestrel::cli::TreeHelp, "print a project's class tree or file tree"},
+    {"dump", kestrel::cli::RunDump, kestrel::cli::DumpHelp, "print every field a project file holds"},
+    {"where", kestrel::cli::RunWhere, kestrel::cli::WhereHelp, "name the function that holds a line of a file"},
+    {"find", kestrel::cli::RunFind, kestrel::cli::FindHelp, "find a class, a function or a class's user data"},
 };
 
 void Usage(std::ostream& out) {

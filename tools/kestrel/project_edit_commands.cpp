@@ -6,7 +6,7 @@
 #include "common/constants.h"
 #include "common/text.h"
 #include "file_list.h"
-#include "project_commands.h"
+#include "commands.h"
 #include "project_session.h"
 
 namespace kestrel::cli {
@@ -154,9 +154,13 @@ int Update(const std::vector<std::string>& args) {
 
 }  // namespace
 
-int RunNew(const std::vector<std::string>& args) { return RunCommand("new", kNewUsage, args, New); }
-int RunAdd(const std::vector<std::string>& args) { return RunCommand("add", kAddUsage, args, Add); }
-int RunRemove(const std::vector<std::string>& args) { return RunCommand("remove", kRemoveUsage, args, Remove); }
-int RunUpdate(const std::vector<std::string>& args) { return RunCommand("update", kUpdateUsage, args, Update); }
+int RunNew(int argc, char** argv) { return RunCommand("new", kNewUsage, argc, argv, New); }
+void NewHelp(std::ostream& out) { out << kNewUsage; }
+int RunAdd(int argc, char** argv) { return RunCommand("add", kAddUsage, argc, argv, Add); }
+void AddHelp(std::ostream& out) { out << kAddUsage; }
+int RunRemove(int argc, char** argv) { return RunCommand("remove", kRemoveUsage, argc, argv, Remove); }
+void RemoveHelp(std::ostream& out) { out << kRemoveUsage; }
+int RunUpdate(int argc, char** argv) { return RunCommand("update", kUpdateUsage, argc, argv, Update); }
+void UpdateHelp(std::ostream& out) { out << kUpdateUsage; }
 
 }  // namespace kestrel::cli

@@ -76,10 +76,9 @@ int32_t ParseFileType(const std::string& text) {
     if (text == "def") return FILETYPE_DEFINITION;
     if (text == "form") return FILETYPE_FORM;
     if (text == "noparse") return FILETYPE_NOPARSE;
-    int32_t n = ParseNumber("--type", text);
-    if (n < FILETYPE_IMPLEMENTATION || n > FILETYPE_NOPARSE)
-        throw UsageError("--type must be impl, def, form, noparse or 1 to 4, not '" + text + "'");
-    return n;
+    for (int32_t n = FILETYPE_IMPLEMENTATION; n <= FILETYPE_NOPARSE; ++n)
+        if (text == std::to_string(n)) return n;
+    throw UsageError("--type must be impl, def, form, noparse or 1 to 4, not '" + text + "'");
 }
 
 int32_t ParseNumber(const std::string& option, const std::string& text) {
@@ -97,8 +96,9 @@ const std::string& OptionValue(const std::vector<std::string>& args, size_t& i) 
     return args[++i];
 }
 
-int RunCommand(const char* name, const char* usage, const std::vector<std::string>& args,
+int RunCommand(const char* name, const char* usage, int argc, char** argv,
                int (*body)(const std::vector<std::string>&)) {
+    const std::vector<std::string> args(argv, argv + argc);
     for (const std::string& a : args) {
         if (a == "--help" || a == "-h") {
             std::cout << usage;
@@ -108,7 +108,7 @@ int RunCommand(const char* name, const char* usage, const std::vector<std::strin
     try {
         return body(args);
     } catch (const UsageError& e) {
-        std::cerr << "kestrel " << name << ": " << e.what() << "\n(kestrel " << name << " --help shows the usage)\n";
+        std::cerr << "kestrel " << name << ": " << e.what() << " (kestrel " << name << " --help shows the usage)\n";
         return 2;
     } catch (const std::exception& e) {
         std::cerr << "kestrel: " << e.what() << "\n";

@@ -64,7 +64,7 @@ const std::string& OptionValue(const std::vector<std::string>& args, size_t& i);
 
 // Runs a command body: prints failures as one line on standard error and turns them
 // into the exit status.
-int RunCommand(const char* name, const char* usage, const std::vector<std::string>& args,
+int RunCommand(const char* name, const char* usage, int argc, char** argv,
                int (*body)(const std::vector<std::string>&));
 
 std::string Utf8(const std::u16string& text);

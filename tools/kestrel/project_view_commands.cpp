@@ -5,7 +5,7 @@
 #include "common/constants.h"
 #include "common/text.h"
 #include "control/node_keys.h"
-#include "project_commands.h"
+#include "commands.h"
 #include "project_session.h"
 
 namespace kestrel::cli {
@@ -180,9 +180,13 @@ int Find(const std::vector<std::string>& args) {
 
 }  // namespace
 
-int RunTree(const std::vector<std::string>& args) { return RunCommand("tree", kTreeUsage, args, Tree); }
-int RunDump(const std::vector<std::string>& args) { return RunCommand("dump", kDumpUsage, args, Dump); }
-int RunWhere(const std::vector<std::string>& args) { return RunCommand("where", kWhereUsage, args, Where); }
-int RunFind(const std::vector<std::string>& args) { return RunCommand("find", kFindUsage, args, Find); }
+int RunTree(int argc, char** argv) { return RunCommand("tree", kTreeUsage, argc, argv, Tree); }
+void TreeHelp(std::ostream& out) { out << kTreeUsage; }
+int RunDump(int argc, char** argv) { return RunCommand("dump", kDumpUsage, argc, argv, Dump); }
+void DumpHelp(std::ostream& out) { out << kDumpUsage; }
+int RunWhere(int argc, char** argv) { return RunCommand("where", kWhereUsage, argc, argv, Where); }
+void WhereHelp(std::ostream& out) { out << kWhereUsage; }
+int RunFind(int argc, char** argv) { return RunCommand("find", kFindUsage, argc, argv, Find); }
+void FindHelp(std::ostream& out) { out << kFindUsage; }
 
 }  // namespace kestrel::cli

@@ -1,0 +1,156 @@
+// The project commands of the real kestrel program, run as a user would.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+std::string ReadAll(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+class Cli : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "kestrel-cli-XXXXXX").string();
+        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+        dir = pattern;
+    }
+    void TearDown() override {
+        std::error_code ec;
+        fs::remove_all(dir, ec);
+    }
+
+    // Runs kestrel with the arguments (already quoted for the shell) in the scratch folder.
+    Outcome Kestrel(const std::string& args) {
+        const fs::path out = dir / "stdout", err = dir / "stderr";
+        const std::string command = "cd '" + dir.string() + "' && '" KESTREL_BINARY_DIR "/tools/kestrel' " + args +
+                                    " >'" + out.string() + "' 2>'" + err.string() + "' </dev/null";
+        const int raw = std::system(command.c_str());
+        return Outcome{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ReadAll(out), ReadAll(err)};
+    }
+    static std::string Golden(const std::string& name) { return ReadAll(fs::path(KESTREL_SOURCE_DIR) / "tests/golden" / name); }
+    static std::string Examples() { return "'" KESTREL_SOURCE_DIR "/examples'"; }
+
+    fs::path dir;
+};
+
+TEST_F(Cli, NewThenTreeExpandedOverTheExamples) {
+    Outcome made = Kestrel("new examples.kpr " + Examples());
+    ASSERT_EQ(made.status, 0) << made.err;
+    EXPECT_EQ(made.err, "");
+    Outcome tree = Kestrel("tree --expand examples.kpr");
+    ASSERT_EQ(tree.status, 0) << tree.err;
+    EXPECT_EQ(tree.out, Golden("examples_tree.txt"));
+    Outcome keys = Kestrel("tree examples.kpr --expand --keys");
+    EXPECT_EQ(keys.out, Golden("examples_tree_keys.txt"));
+    Outcome files = Kestrel("tree --files examples.kpr");
+    EXPECT_EQ(files.out, "examples\n  Definition\n    shapes.h\n  Implementation\n    shapes.cpp\n");
+    // Without --expand every class waits behind its placeholder.
+    Outcome closed = Kestrel("tree examples.kpr");
+    EXPECT_NE(closed.out.find("  Shape\n    |\n"), std::string::npos) << closed.out;
+}
+
+TEST_F(Cli, TypesComeFromExtensionsOrFromTypeOptions) {
+    fs::create_directories(dir / "src" / ".hidden");
+    std::ofstream(dir / "src" / "b.cpp") << "int b() {\n}\n";
+    std::ofstream(dir / "src" / "a.h") << "int a();\n";
+    std::ofstream(dir / "src" / "notes.txt") << "x\n";
+    std::ofstream(dir / "src" / ".hidden" / "c.cpp") << "int c() {\n}\n";
+    std::ofstream(dir / "list") << "src/notes.txt\n";
+    ASSERT_EQ(Kestrel("new p.kpr --id 5 src --type form --files-from list").status, 0);
+    Outcome dump = Kestrel("dump p.kpr");
+    EXPECT_EQ(dump.status, 0);
+    std::istringstream lines(dump.out);
+    std::string line, files;
+    while (std::getline(lines, line))
+        if (line.rfind("file ", 0) == 0 || line.rfind("project ", 0) == 0) files += line.substr(0, line.find(" classes")) + "\n";
+    EXPECT_EQ(files,
+              "project language 0 id 5 files 3\n"
+              "file \"src/a.h\" type 2\n"
+              "file \"src/b.cpp\" type 1\n"
+              "file \"src/notes.txt\" type 3\n");
+}
+
+TEST_F(Cli, AddRemoveUpdateWhereAndFind) {
+    std::ofstream(dir / "a.h") << "class A {\npublic:\n    void Run();\n};\n";
+    std::ofstream(dir / "a.cpp") << "void A::Run() {\n    go();\n}\n";
+    ASSERT_EQ(Kestrel("new p.kpr a.h").status, 0);
+    ASSERT_EQ(Kestrel("add p.kpr a.cpp").status, 0);
+    Outcome twice = Kestrel("add p.kpr a.cpp");
+    EXPECT_EQ(twice.status, 0);
+    EXPECT_NE(twice.err.find("already in the project"), std::string::npos);
+
+    Outcome where = Kestrel("where p.kpr a.cpp 2");
+    EXPECT_EQ(where.status, 0);
+    EXPECT_EQ(where.out, "A::Run() line 1\n");
+    EXPECT_EQ(Kestrel("where p.kpr a.h 1").status, 1);
+
+    Outcome found = Kestrel("find p.kpr --class a --type def");
+    EXPECT_EQ(found.out, "A\t" + (dir / "a.h").string() + "\n");
+    EXPECT_EQ(Kestrel("find p.kpr --function Run").out, "Run\t" + (dir / "a.cpp").string() + "\tline 1\n");
+    EXPECT_EQ(Kestrel("find p.kpr --function run").status, 1);
+
+    std::ofstream(dir / "a.cpp") << "void A::Run() {\n}\nvoid A::Stop() {\n}\n";
+    ASSERT_EQ(Kestrel("update p.kpr").status, 0);
+    EXPECT_EQ(Kestrel("where p.kpr a.cpp 4").out, "A::Stop() line 3\n");
+
+    ASSERT_EQ(Kestrel("remove p.kpr a.cpp").status, 0);
+    Outcome tree = Kestrel("tree --expand p.kpr");
+    EXPECT_EQ(tree.out, "p\n  A\n    Functions\n      Run()\n");
+}
+
+TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {
+    std::ofstream(dir / "bad.kpr") << "not a project";
+    struct Case {
+        std::string args;
+        int status;
+        std::string message;
+    };
+    const Case cases[] = {
+        {"tree missing.kpr", 1, "kestrel: missing.kpr: No such file or directory\n"},
+        {"dump bad.kpr", 1, "kestrel: bad.kpr: not a kestrel project file (wrong signature)\n"},
+        {"new nowhere/p.kpr", 1, "kestrel: " + (dir / "nowhere/p.kpr").string() +
+                                     ": cannot write the project file: folder " + (dir / "nowhere").string() +
+                                     " does not exist\n"},
+        {"new p.kpr missing.cpp", 1, "kestrel: missing.cpp: no such file or folder\n"},
+        {"new p.kpr --colour", 2, "kestrel new: unknown option '--colour' (kestrel new --help shows the usage)\n"},
+        {"new p.kpr --type header x", 2,
+         "kestrel new: --type must be impl, def, form, noparse or 1 to 4, not 'header' (kestrel new --help shows the "
+         "usage)\n"},
+        {"remove bad.kpr a.cpp", 1, "kestrel: bad.kpr: not a kestrel project file (wrong signature)\n"},
+    };
+    for (const Case& c : cases) {
+        Outcome run = Kestrel(c.args);
+        EXPECT_EQ(run.status, c.status) << c.args;
+        EXPECT_EQ(run.err, c.message) << c.args;
+    }
+    EXPECT_FALSE(fs::exists(dir / "p.kpr"));  // nothing half made
+    EXPECT_EQ(ReadAll(dir / "bad.kpr"), "not a project");
+}
+
+TEST_F(Cli, EveryProjectCommandHasHelp) {
+    for (const char* command : {"new", "add", "remove", "update", "tree", "dump", "where", "find"}) {
+        Outcome help = Kestrel(std::string(command) + " --help");
+        EXPECT_EQ(help.status, 0) << command;
+        EXPECT_EQ(help.out.rfind(std::string("usage: kestrel ") + command, 0), 0u) << help.out;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,92 @@
+// The persisted properties and what setting them does to the trees and the host.
+#include "control/memory/memory_property_bag.h"
+#include "control_fixture.h"
+
+namespace kestrel::test {
+namespace {
+
+using Properties = ControlTest;
+
+TEST_F(Properties, StartsWithTheDefaults) {
+    EXPECT_EQ(view->ID(), -1);
+    EXPECT_EQ(view->FileName(), u"");
+    EXPECT_EQ(view->Language(), 0);
+    EXPECT_EQ(view->ViewStyle(), prvClasses);
+    EXPECT_TRUE(view->Enabled());
+    EXPECT_FALSE(view->AsyncLoad());
+    EXPECT_FALSE(view->CreateBackup());
+    EXPECT_FALSE(view->AutoToolTip());
+    EXPECT_TRUE(platform.classTree.Visible());
+    EXPECT_FALSE(platform.fileTree.Visible());
+}
+
+TEST_F(Properties, BagRoundTripStoresOnlyWhatDiffersFromTheDefaults) {
+    MemoryPropertyBag bag;
+    view->UserControl_InitProperties();
+    view->UserControl_WriteProperties(bag);
+    EXPECT_TRUE(bag.Values().empty());
+
+    Font bold = platform.site.ambientFont;
+    bold.bold = true;
+    view->Font(bold);
+    view->ViewStyle(prvFiles);
+    view->Enabled(false);
+    view->AsyncLoad(true);
+    view->CreateBackup(true);
+    view->AutoToolTip(true);
+    view->UserControl_WriteProperties(bag);
+    EXPECT_EQ(bag.Values().size(), 6u);
+
+    MemoryPlatform other;
+    auto copy = TreeView::Create(other.Get());
+    copy->UserControl_ReadProperties(bag);
+    EXPECT_EQ(copy->Font(), bold);
+    EXPECT_EQ(other.fileTree.GetFont(), bold);
+    EXPECT_EQ(copy->ViewStyle(), prvFiles);
+    EXPECT_FALSE(copy->Enabled());
+    EXPECT_FALSE(other.fileTree.Enabled());
+    EXPECT_TRUE(copy->AsyncLoad());
+    EXPECT_TRUE(copy->CreateBackup());
+    EXPECT_TRUE(copy->AutoToolTip());
+
+    MemoryPropertyBag copied;
+    copy->UserControl_WriteProperties(copied);
+    EXPECT_EQ(copied.Values(), bag.Values());
+}
+
+TEST_F(Properties, ReadingAnEmptyBagTakesTheAmbientFont) {
+    platform.site.ambientFont.name = u"DejaVu Sans";
+    MemoryPropertyBag empty;
+    view->UserControl_ReadProperties(empty);
+    EXPECT_EQ(view->Font().name, u"DejaVu Sans");
+    EXPECT_EQ(platform.fileTree.GetFont().name, u"DejaVu Sans");
+    EXPECT_TRUE(view->Enabled());
+}
+
+TEST_F(Properties, ChangesAreReportedToTheHost) {
+    view->ViewStyle(prvFiles);
+    view->Enabled(false);
+    view->Font(Font{});
+    view->CreateBackup(true);
+    view->AsyncLoad(true);  // not reported
+    view->files(std::make_shared<clsAllFiles>());
+    EXPECT_EQ(platform.site.changedProperties,
+              (std::vector<std::string>{"ViewStyle", "Enabled", "Font", "CreateBackup", "Files"}));
+    EXPECT_FALSE(platform.fileTree.Enabled());
+}
+
+TEST_F(Properties, ResizeLaysBothTreesOverTheWholeControl) {
+    platform.site.width = 300;
+    platform.site.height = 200;
+    platform.site.windowHandle = 42;
+    view->UserControl_Resize();
+    for (int16_t i = 0; i <= 1; ++i) {
+        EXPECT_EQ(platform.Tree(i).Width(), 300);
+        EXPECT_EQ(platform.Tree(i).Height(), 200);
+        EXPECT_EQ(platform.Tree(i).Left(), 0);
+    }
+    EXPECT_EQ(view->hWnd(), 42);
+}
+
+}  // namespace
+}  // namespace kestrel::test

@@ -1,0 +1,141 @@
+// The control driven the way a host editor drives it, from a new project to a
+// project loaded back in the background.
+#include "control_fixture.h"
+#include "scanner/scan_output.h"
+
+namespace kestrel::test {
+namespace {
+
+// The text of an editor buffer that has not been saved to disk.
+class EditorText : public LineSource {
+public:
+    explicit EditorText(std::vector<std::u16string> lines) : lines_(std::move(lines)) {}
+    int32_t GetLineCount() override { return static_cast<int32_t>(lines_.size()); }
+    std::u16string Line(int32_t n) override { return lines_.at(n - 1); }
+
+private:
+    std::vector<std::u16string> lines_;
+};
+
+std::vector<NodeId> ClassNodes(const MemoryTree& tree) {
+    std::vector<NodeId> nodes;
+    for (NodeId c = tree.FirstChild(tree.FirstChild(kNoNode)); c != kNoNode; c = tree.NextSibling(c)) nodes.push_back(c);
+    return nodes;
+}
+
+using Scenario = ControlTest;
+
+TEST_F(Scenario, NewAddQueryEditSaveCloseLoadInTheBackgroundAndExpand) {
+    const std::u16string project = Path("editor.kpr");
+    view->NewProject(project, LANGUAGE_C, 12);
+    AllFilesPtr files = view->files();
+    ASSERT_TRUE(files->Add(Write("view.h",
+                                 "class CView {\n"
+                                 "public:\n"
+                                 "    void Draw(int mode);\n"
+                                 "protected:\n"
+                                 "    int m_width;\n"
+                                 "};\n"),
+                           FILETYPE_DEFINITION));
+    FilePtr source = files->Add(Write("view.cpp",
+                                      "void CView::Draw(int mode)\n"
+                                      "{\n"
+                                      "}\n"
+                                      "int helper(void)\n"
+                                      "{\n"
+                                      "    return 0;\n"
+                                      "}\n"),
+                                FILETYPE_IMPLEMENTATION);
+    ASSERT_TRUE(source);
+    EXPECT_EQ(files->Add(Path("VIEW.CPP"), FILETYPE_IMPLEMENTATION), nullptr);  // keys ignore case
+
+    // The user clicks the function; the host asks what it is.
+    platform.classTree.UserClick(Node(u"!!CView::DRAW(INTMODE)"));
+    EXPECT_EQ(view->WhatIsSelected(), ST_METHOD);
+    ClassPtr selected = view->GetSelectedClass();
+    ASSERT_TRUE(selected);
+    EXPECT_EQ(selected->Name, u"CView");
+    EXPECT_EQ(view->GetSelectedText(), u"DRAW(INTMODE)");
+    EXPECT_EQ(platform.classTree.Tag(Node(u"!!CView::DRAW(INTMODE)")), u"3");
+    ItemPtr draw = source->InProc(2);
+    ASSERT_TRUE(draw);
+    EXPECT_EQ(draw->Name, u"Draw");
+
+    // The host tags the function, then the user edits the file without saving it.
+    draw->UserData = u"drawn on every paint";
+    EditorText edited({u"void CView::Draw(int mode)", u"{", u"}", u"void CView::Erase()", u"{", u"}"});
+    source->UpdateEmbeededFile(edited);
+    EXPECT_NE(Node(u"!!CView::ERASE()"), kNoNode);
+    EXPECT_EQ(Node(u"!!Globals::HELPER(VOID)"), kNoNode);
+    EXPECT_EQ(Node(u"--Globals"), kNoNode);  // its last member went away
+    EXPECT_EQ(platform.classTree.Tag(Node(u"!!CView::DRAW(INTMODE)")), u"3drawn on every paint");
+
+    const std::string classesBefore = Outline(0, true);
+    const std::string filesBefore = Outline(1, true);
+    ASSERT_TRUE(view->Save());
+    view->CloseProject();
+    EXPECT_EQ(Outline(), "");
+    EXPECT_EQ(view->ID(), -1);
+    EXPECT_EQ(view->files()->count(), 0);
+
+    // Loaded back with the background loader: class nodes first, members on expansion.
+    view->AsyncLoad(true);
+    ASSERT_TRUE(view->Load(project));
+    EXPECT_EQ(view->ID(), 12);
+    EXPECT_TRUE(platform.timer.Enabled());
+    std::vector<NodeId> classes = ClassNodes(platform.classTree);
+    ASSERT_EQ(classes.size(), 1u);
+    platform.classTree.UserExpand(classes[0]);  // queued while the loader runs
+    EXPECT_EQ(ChildKeys(classes[0]).size(), 0u);
+    EXPECT_GE(platform.timer.Drain(), 1);
+    EXPECT_FALSE(platform.timer.Enabled());
+    for (NodeId c : ClassNodes(platform.classTree)) platform.classTree.UserExpand(c);
+
+    EXPECT_EQ(Outline(0, true), classesBefore);
+    EXPECT_EQ(Outline(1, true), filesBefore);
+    EXPECT_TRUE(errors.reports.empty());
+}
+
+TEST_F(Scenario, RemovingAFileKeepsWhatTheOtherFilesDefine) {
+    view->NewProject(Path("p.kpr"), LANGUAGE_C, 0);
+    AllFilesPtr files = view->files();
+    files->Add(Write("a.cpp", "void A::Run()\n{\n}\nvoid A::Only()\n{\n}\n"), FILETYPE_IMPLEMENTATION);
+    files->Add(Write("b.cpp", "void A::Run()\n{\n}\n"), FILETYPE_IMPLEMENTATION);
+    files->Add(Write("notes.txt", ""), FILETYPE_NOPARSE);
+    EXPECT_TRUE(files->Remove(Path("a.cpp")));
+    EXPECT_EQ(Outline(0, true),
+              "p  [++p] 10\n"
+              "  A  [--A] 1\n"
+              "    Functions  [``A] 6\n"
+              "      Run()  [!!A::RUN()] 6 tag 1\n");
+    EXPECT_EQ(Outline(1),
+              "p\n"
+              "  Implementation\n"
+              "    b.cpp\n"
+              "  Other\n"
+              "    notes.txt\n");
+    EXPECT_TRUE(files->Remove(Path("notes.txt")));
+    EXPECT_EQ(Outline(1), "p\n  Implementation\n    b.cpp\n");  // the empty folder went too
+    EXPECT_TRUE(files->Remove(Path("b.cpp")));
+    EXPECT_EQ(Outline(0), "p\n");
+}
+
+TEST_F(Scenario, ALargeClassFillsAndFoldsWhole) {
+    std::string text = "class Big {\npublic:\n";
+    for (int i = 0; i < 20000; ++i) text += "    int f" + std::to_string(i) + "(int a);\n    int v" + std::to_string(i) + ";\n";
+    text += "};\n";
+    view->NewProject(Path("big.kpr"), LANGUAGE_C, 0);
+    ASSERT_TRUE(view->files()->Add(Write("big.h", text), FILETYPE_DEFINITION));
+    EXPECT_EQ(platform.classTree.ChildCount(Node(u"``Big")), 20000);
+    EXPECT_EQ(platform.classTree.ChildCount(Node(u"''Big")), 20000);
+    ASSERT_TRUE(view->Save());
+    view->CloseProject();
+    ASSERT_TRUE(view->Load(Path("big.kpr")));
+    platform.classTree.UserExpand(Node(u"--Big"));
+    EXPECT_EQ(platform.classTree.NodeCount(), 40004);
+    platform.classTree.UserCollapse(Node(u"--Big"));
+    EXPECT_EQ(platform.classTree.NodeCount(), 3);
+}
+
+}  // namespace
+}  // namespace kestrel::test

@@ -1,0 +1,84 @@
+// Entry nodes added by the load timer in portions of 20.
+#include "control/timed_load.h"
+#include "control_fixture.h"
+
+namespace kestrel::test {
+namespace {
+
+class TimedLoading : public ControlTest {
+protected:
+    void SetUp() override {
+        ControlTest::SetUp();
+        view->NewProject(u"/p/demo.kpr", LANGUAGE_C, 0);
+        file = MakeFile(u"/p/a.cpp", FILETYPE_IMPLEMENTATION);
+        shape = MakeClass(u"Shape");
+    }
+    void Queue(int n) {
+        for (int i = 0; i < n; ++i) view->AddFunction__(MakeFunction(u"f" + ToText(i), u"()"), shape, file);
+    }
+    int Shown() { return platform.classTree.ChildCount(Node(u"``Shape")); }
+
+    FilePtr file;
+    ClassPtr shape;
+};
+
+TEST_F(TimedLoading, FortyFiveRequestsTakeThreeTicks) {
+    view->SetCurrentClass(shape, file);
+    view->TimedLoad().Enabled(true);
+    Queue(45);
+    EXPECT_EQ(Shown(), 0);
+    EXPECT_EQ(platform.timer.Advance(499), 0);
+    EXPECT_EQ(platform.timer.Advance(1), 1);
+    EXPECT_EQ(Shown(), 20);
+    EXPECT_EQ(platform.timer.Interval(), 50);
+    EXPECT_EQ(platform.timer.Advance(50), 1);
+    EXPECT_EQ(Shown(), 40);
+    EXPECT_TRUE(view->TimedLoad().Enabled());
+    EXPECT_EQ(platform.timer.Advance(50), 1);
+    EXPECT_EQ(Shown(), 45);
+    EXPECT_FALSE(view->TimedLoad().Enabled());  // the third tick found the end
+    EXPECT_EQ(view->TimedLoad().Pending(), 0);
+    view->AddFunction__(MakeFunction(u"late", u"()"), shape, file);  // off again: added at once
+    EXPECT_EQ(Shown(), 46);
+}
+
+TEST_F(TimedLoading, SwitchingOnDropsWhatWasQueuedBefore) {
+    view->SetCurrentClass(shape, file);
+    view->TimedLoad().Enabled(true);
+    Queue(3);
+    view->TimedLoad().Enabled(true);
+    EXPECT_EQ(view->TimedLoad().Pending(), 0);
+    EXPECT_EQ(platform.timer.Drain(), 1);
+    EXPECT_EQ(Shown(), 0);
+}
+
+TEST_F(TimedLoading, AnEmptyQueueIsSwitchedOffByItsFirstTick) {
+    view->TimedLoad().Enabled(true);
+    EXPECT_EQ(platform.timer.Interval(), 500);
+    EXPECT_EQ(platform.timer.Advance(500), 1);
+    EXPECT_FALSE(platform.timer.Enabled());
+}
+
+TEST_F(TimedLoading, RequestsAreHandledInArrivalOrder) {
+    view->TimedLoad().Enabled(true);
+    view->AddFunction__(MakeFunction(u"Run", u"()"), shape, file);
+    view->AddVariable__(MakeVariable(u"count", u"int"), shape, file);
+    EXPECT_EQ(Node(u"--Shape"), kNoNode);
+    platform.timer.Drain();
+    // The class node keeps its folders in the order they were made.
+    EXPECT_EQ(ChildKeys(Node(u"--Shape")), (std::vector<std::u16string>{u"``Shape", u"''Shape"}));
+}
+
+TEST_F(TimedLoading, NewProjectDropsPendingRequests) {
+    view->SetCurrentClass(shape, file);
+    view->TimedLoad().Enabled(true);
+    Queue(5);
+    view->NewProject(u"/p/other.kpr", LANGUAGE_C, 0);
+    EXPECT_FALSE(platform.timer.Enabled());
+    EXPECT_EQ(view->TimedLoad().Pending(), 0);
+    EXPECT_EQ(platform.timer.Drain(), 0);
+    EXPECT_EQ(Outline(), "");
+}
+
+}  // namespace
+}  // namespace kestrel::test
