@@ -3,6 +3,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPolygonF>
 
 namespace kestrel::qt {
 
@@ -44,25 +45,14 @@ void PaintClass(QPainter& p) {
 
 // A purple diamond: a function (method).
 void PaintFunction(QPainter& p, QRectF box) {
-    QPainterPath d;
     const QPointF c = box.center();
-    d.moveTo(c.x(), box.top());
-    d.lineTo(box.right(), c.y());
-    d.lineTo(c.x(), box.bottom());
-    d.lineTo(box.left(), c.y());
-    d.closeSubpath();
     Outline(p, kFunctionEdge);
     p.setBrush(Shade(kFunctionFill, box.top(), box.bottom()));
-    p.drawPath(d);
+    p.drawPolygon(QPolygonF{{c.x(), box.top()}, {box.right(), c.y()}, {c.x(), box.bottom()}, {box.left(), c.y()}});
     // A highlight facet gives the diamond its volume.
     p.setPen(Qt::NoPen);
     p.setBrush(QColor(255, 255, 255, 90));
-    QPainterPath facet;
-    facet.moveTo(c.x(), box.top() + 1.2);
-    facet.lineTo(box.right() - 1.2, c.y());
-    facet.lineTo(c.x(), c.y());
-    facet.closeSubpath();
-    p.drawPath(facet);
+    p.drawPolygon(QPolygonF{{c.x(), box.top() + 1.2}, {box.right() - 1.2, c.y()}, {c.x(), c.y()}});
 }
 
 // A blue brick: a variable (field).
@@ -110,45 +100,20 @@ void PaintScopeBadge(QPainter& p, int scopeStep) {
     if (scopeStep == 2) PaintPrivateBadge(p);
 }
 
-// A folder; open folders tip their front flap forward.
-void PaintFolder(QPainter& p, const QColor& fill, const QColor& edge, bool open) {
-    Outline(p, edge);
-    p.setBrush(fill.darker(112));
-    QPainterPath back;
-    back.moveTo(1.5, 3.5);
-    back.lineTo(6.0, 3.5);
-    back.lineTo(7.5, 5.0);
-    back.lineTo(14.5, 5.0);
-    back.lineTo(14.5, 13.5);
-    back.lineTo(1.5, 13.5);
-    back.closeSubpath();
-    p.drawPath(back);
-    p.setBrush(Shade(fill, 6, 14));
-    if (open) {
-        QPainterPath flap;
-        flap.moveTo(3.5, 7.5);
-        flap.lineTo(15.5, 7.5);
-        flap.lineTo(13.5, 13.5);
-        flap.lineTo(1.5, 13.5);
-        flap.closeSubpath();
-        p.drawPath(flap);
-    } else {
-        p.drawRoundedRect(QRectF(1.5, 6.5, 13, 7), 0.8, 0.8);
-    }
+// A tan folder with a tab, holding the small picture of what it holds.
+void PaintFolder(QPainter& p) {
+    Outline(p, kFolderEdge);
+    p.setBrush(kFolderFill.darker(112));
+    p.drawPolygon(QPolygonF{{1.5, 3.5}, {6.0, 3.5}, {7.5, 5.0}, {14.5, 5.0}, {14.5, 13.5}, {1.5, 13.5}});
+    p.setBrush(Shade(kFolderFill, 6, 14));
+    p.drawRoundedRect(QRectF(1.5, 6.5, 13, 7), 0.8, 0.8);
 }
 
 // A sheet with a folded corner and an optional coloured header band.
 void PaintPage(QPainter& p, const QColor& band) {
-    QPainterPath page;
-    page.moveTo(2.5, 0.5);
-    page.lineTo(10.0, 0.5);
-    page.lineTo(13.5, 4.0);
-    page.lineTo(13.5, 15.5);
-    page.lineTo(2.5, 15.5);
-    page.closeSubpath();
     Outline(p, kPageEdge);
     p.setBrush(kPageFill);
-    p.drawPath(page);
+    p.drawPolygon(QPolygonF{{2.5, 0.5}, {10.0, 0.5}, {13.5, 4.0}, {13.5, 15.5}, {2.5, 15.5}});
     if (band.isValid()) {
         p.setPen(Qt::NoPen);
         p.setBrush(band);
@@ -156,11 +121,7 @@ void PaintPage(QPainter& p, const QColor& band) {
     }
     p.setBrush(QColor(0xD8, 0xDC, 0xE2));
     Outline(p, kPageEdge);
-    QPainterPath fold;
-    fold.moveTo(10.0, 0.5);
-    fold.lineTo(10.0, 4.0);
-    fold.lineTo(13.5, 4.0);
-    p.drawPath(fold);
+    p.drawPolygon(QPolygonF{{10.0, 0.5}, {10.0, 4.0}, {13.5, 4.0}});
 }
 
 void PaintTextLines(QPainter& p, const QColor& colour, const qreal (&indent)[3]) {
@@ -215,13 +176,7 @@ void PaintProject(QPainter& p, bool open) {
     p.drawRoundedRect(QRectF(1.5, 6.5, 13, 8.5), 1.2, 1.2);
     p.setBrush(kProjectFill.lighter(130));
     if (open) {
-        QPainterPath lid;
-        lid.moveTo(1.5, 6.5);
-        lid.lineTo(3.5, 1.5);
-        lid.lineTo(16.0 - 3.5, 1.5);
-        lid.lineTo(14.5, 6.5);
-        lid.closeSubpath();
-        p.drawPath(lid);
+        p.drawPolygon(QPolygonF{{1.5, 6.5}, {3.5, 1.5}, {12.5, 1.5}, {14.5, 6.5}});
         p.setPen(Qt::NoPen);
         p.setBrush(kProjectEdge.darker(130));
         p.drawRect(QRectF(2.2, 6.9, 11.6, 1.2));
@@ -237,7 +192,7 @@ void Paint(QPainter& p, int image) {
     switch (image) {
     case 1: PaintClass(p); break;
     case ImageList::kVariablesFolder:
-        PaintFolder(p, kFolderFill, kFolderEdge, false);
+        PaintFolder(p);
         PaintVariable(p, QRectF(7.0, 9.0, 8.0, 5.5));
         break;
     case 3: case 4: case 5:
@@ -249,7 +204,7 @@ void Paint(QPainter& p, int image) {
         PaintScopeBadge(p, image - 6);
         break;
     case ImageList::kFunctionsFolder:
-        PaintFolder(p, kFolderFill, kFolderEdge, false);
+        PaintFolder(p);
         PaintFunction(p, QRectF(7.5, 7.5, 8.0, 8.0));
         break;
     case 10: PaintProject(p, false); break;

@@ -1,6 +1,7 @@
 #include "qt/input_codes.h"
 
 #include <QKeyEvent>
+#include <initializer_list>
 #include <utility>
 
 namespace kestrel::qt {
@@ -44,20 +45,28 @@ int16_t KeyAsciiOf(const QKeyEvent& event) {
     return static_cast<int16_t>(text.at(0).unicode());
 }
 
+namespace {
+
+// Qt's flags as the events' bit sets: each flag that is set adds its bit.
+template <class Flags, class Flag>
+int16_t BitsOf(Flags flags, std::initializer_list<std::pair<Flag, int16_t>> bits) {
+    int16_t result = 0;
+    for (const auto& [flag, bit] : bits) {
+        if (flags & flag) result = static_cast<int16_t>(result | bit);
+    }
+    return result;
+}
+
+}  // namespace
+
 int16_t ShiftOf(Qt::KeyboardModifiers modifiers) {
-    int16_t shift = 0;
-    if (modifiers & Qt::ShiftModifier) shift |= 1;
-    if (modifiers & Qt::ControlModifier) shift |= 2;
-    if (modifiers & Qt::AltModifier) shift |= 4;
-    return shift;
+    return BitsOf(modifiers, {std::pair{Qt::ShiftModifier, int16_t{1}}, {Qt::ControlModifier, int16_t{2}},
+                              {Qt::AltModifier, int16_t{4}}});
 }
 
 int16_t ButtonsOf(Qt::MouseButtons buttons) {
-    int16_t result = 0;
-    if (buttons & Qt::LeftButton) result |= 1;
-    if (buttons & Qt::RightButton) result |= 2;
-    if (buttons & Qt::MiddleButton) result |= 4;
-    return result;
+    return BitsOf(buttons, {std::pair{Qt::LeftButton, int16_t{1}}, {Qt::RightButton, int16_t{2}},
+                            {Qt::MiddleButton, int16_t{4}}});
 }
 
 }  // namespace kestrel::qt

@@ -23,6 +23,21 @@ private:
 
     QTreeWidget* ClassTree() const { return view_->tree(0); }
 
+    // The display shows exactly the control's nodes, in the control's order: walks the
+    // node structure and the QTreeWidget side by side.
+    static void CompareWithDisplay(kestrel::PlatformTree& nodes, kestrel::NodeId parent, QTreeWidget* tree,
+                                   QTreeWidgetItem* item) {
+        int index = 0;
+        for (kestrel::NodeId n = nodes.FirstChild(parent); n != kestrel::kNoNode; n = nodes.NextSibling(n), ++index) {
+            QTreeWidgetItem* shown = item ? item->child(index) : tree->topLevelItem(index);
+            QVERIFY(shown);
+            QCOMPARE(shown->text(0), QString::fromStdU16String(nodes.Text(n)));
+            QCOMPARE(shown->isExpanded(), nodes.Expanded(n));
+            CompareWithDisplay(nodes, n, tree, shown);
+        }
+        QCOMPARE(item ? item->childCount() : tree->topLevelItemCount(), index);
+    }
+
     // A project holding the shape header, with the widget shown at a usable size.
     void OpenShapeProject() {
         view_->control().NewProject(dir_.filePath("demo.kpr").toStdU16String(), kestrel::LANGUAGE_C, 1);
@@ -55,6 +70,33 @@ private slots:
         QCOMPARE(TopTexts(files), QStringList{"demo"});
         QCOMPARE(ChildTexts(files->topLevelItem(0)), QStringList{"Definition"});
         QCOMPARE(ChildTexts(files->topLevelItem(0)->child(0)), QStringList{"shape.h"});
+    }
+
+    void theDisplayKeepsTheControlsOrderThroughAddsAndRemovals() {
+        view_->control().NewProject(dir_.filePath("order.kpr").toStdU16String(), kestrel::LANGUAGE_C, 1);
+        const QString first = WriteSource(dir_, "first.h", "class beta {\n public:\n void zed();\n void Alpha();\n};\n");
+        view_->files()->Add(first.toStdU16String(), kestrel::FILETYPE_DEFINITION);
+        view_->files()->Add(WriteSource(dir_, "second.cpp", "class Alpha {\n int b;\n int a;\n};\nvoid gamma() {\n}\n").toStdU16String(),
+                            kestrel::FILETYPE_IMPLEMENTATION);
+        view_->files()->Add(WriteSource(dir_, "third.h", "class gamma {\n};\n").toStdU16String(), kestrel::FILETYPE_DEFINITION);
+        ClassTree()->expandItem(ClassTree()->topLevelItem(0));
+        for (int index : {0, 1}) CompareWithDisplay(view_->control().tView(index), kestrel::kNoNode, view_->tree(index), nullptr);
+        QCOMPARE(ChildTexts(ClassTree()->topLevelItem(0)), (QStringList{"Alpha", "beta", "Globals"}));
+
+        view_->files()->Remove(first.toStdU16String());
+        for (int index : {0, 1}) CompareWithDisplay(view_->control().tView(index), kestrel::kNoNode, view_->tree(index), nullptr);
+        QCOMPARE(ChildTexts(ClassTree()->topLevelItem(0)), (QStringList{"Alpha", "Globals"}));
+    }
+
+    void theHourglassIsTheApplicationsWaitCursorAndTheHandleIsTheWidgets() {
+        view_->control().MousePointer(kestrel::kPointerHourglass);
+        QVERIFY(QApplication::overrideCursor());
+        QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        view_->control().MousePointer(kestrel::kPointerHourglass);
+        view_->control().MousePointer(kestrel::kPointerDefault);
+        QVERIFY(!QApplication::overrideCursor());
+        QCOMPARE(view_->control().hWnd(), static_cast<std::intptr_t>(view_->winId()));
+        QVERIFY(view_->control().hWnd() != 0);
     }
 
     void collapsingGivesThePlaceholderBackAndExpandingFillsTheNodeAgain() {
