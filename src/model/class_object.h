@@ -19,9 +19,10 @@ public:
 
     int32_t CountFunc() const { return functions_.Count(); }
     int32_t CountVars() const { return variables_.Count(); }
-    // By 1-based position or by key; nullptr when there is no such entry.
-    ItemPtr Func(int32_t position) const { return functions_.At(position); }
-    ItemPtr Func(std::u16string_view key) const { return functions_.Find(key); }
+    // By 1-based position or by key; nullptr when there is no such entry. The names are
+    // the host's: func and var.
+    ItemPtr func(int32_t position) const { return functions_.At(position); }
+    ItemPtr func(std::u16string_view key) const { return functions_.Find(key); }
     ItemPtr var(int32_t position) const { return variables_.At(position); }
     ItemPtr var(std::u16string_view key) const { return variables_.Find(key); }
     // Line of the first function whose Name equals szFuncName exactly, or -1.

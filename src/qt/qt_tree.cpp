@@ -78,7 +78,7 @@ void QtTree::Place(NodeId node, QTreeWidgetItem* item) {
 void QtTree::PlaceChildrenInOrder(NodeId parent) {
     QTreeWidgetItem* parentItem = ItemOf(parent);
     if (!parentItem) return;
-    const QList<QTreeWidgetItem*> children = parentItem->takeChildren();
+    parentItem->takeChildren();  // the items stay ours, in items_
     for (NodeId child = structure_.FirstChild(parent); child != kNoNode; child = structure_.NextSibling(child)) {
         parentItem->addChild(ItemOf(child));
     }

@@ -212,7 +212,7 @@ void TakeLevelsOut(std::vector<std::u16string>& lines, int32_t lineCount, const 
             std::u16string& stored = lines.at(static_cast<size_t>(i));
             L.assign(stored);
             scanner.ScanLine(L, i);
-            stored.swap(L);
+            stored.assign(L);  // never longer than before, so no allocation
         }
     });
 }

@@ -39,14 +39,21 @@ void clsLoader::Init() {
 
 bool clsLoader::OpenFile(const std::string& fileName) {
     CloseFile();
-    int fd = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
+    // Not blocking, so that opening a pipe nobody writes to cannot hang the caller.
+    int fd = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) {
         openError_ = errno;
         return false;
     }
     struct stat st {};
-    if (::fstat(fd, &st) != 0 || S_ISDIR(st.st_mode)) {
-        openError_ = S_ISDIR(st.st_mode) ? EISDIR : errno;
+    int error = 0;
+    if (::fstat(fd, &st) != 0) error = errno;
+    else if (S_ISDIR(st.st_mode)) error = EISDIR;
+    // Devices and sockets may never end; only files and pipes are read.
+    else if (!S_ISREG(st.st_mode) && !S_ISFIFO(st.st_mode)) error = ENOTSUP;
+    else if (::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK) != 0) error = errno;
+    if (error != 0) {
+        openError_ = error;
         ::close(fd);
         return false;
     }
@@ -60,7 +67,7 @@ bool clsLoader::OpenFile(const std::string& fileName) {
         }
     }
     if (!mapped_) {
-        // Pipes, character devices and files whose size the system does not know.
+        // Pipes and files whose size the system does not know.
         if (!ReadAll(fd, owned_)) {
             openError_ = errno;
             owned_.clear();

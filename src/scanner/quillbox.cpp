@@ -83,8 +83,6 @@ bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
 bool clsQuillbox::ParseEmbeededFile(ScanOutput& output, int16_t nLang, LineSource& source) {
     bool scanned = false;
     Trap(kModule, "Function ParseEmbeededFile", [&] {
-        clsLoader loader;
-        loader.Init();
         StartScan(output, nLang);
         const int32_t n = source.GetLineCount();
         lines_.reserve(static_cast<size_t>(std::max(n, 0)) + 1);

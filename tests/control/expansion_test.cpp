@@ -106,6 +106,16 @@ TEST_F(Expansion, UpdatingAllFilesFoldsEveryClass) {
     EXPECT_EQ(ChildKeys(Node(u"--Extra")), (std::vector<std::u16string>{u"''Extra"}));
 }
 
+TEST_F(Expansion, AFailingHandlerIsReportedAndTheHostGoesOn) {
+    platform.classTree.Remove(shapeNode);
+    view->tView_Expand(0, shapeNode);
+    ASSERT_EQ(errors.reports.size(), 1u);
+    EXPECT_EQ(errors.reports[0].module, "TreeView.ctl");
+    EXPECT_EQ(errors.reports[0].title, "Sub tView_Expand");
+    view->files()->UpdateAllFiles();  // the control still works
+    EXPECT_NE(Node(u"--Shape"), kNoNode);
+}
+
 TEST_F(Expansion, FormFilesAreSkippedWhenFilling) {
     // A form is never scanned, but a project file may say a scanned file is one.
     view->files()->FindFile(Path("shape.h"))->FileType(FILETYPE_FORM);

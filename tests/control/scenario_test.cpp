@@ -133,6 +133,7 @@ TEST_F(Scenario, ALargeClassFillsAndFoldsWhole) {
     ASSERT_TRUE(view->Load(Path("big.kpr")));
     platform.classTree.UserExpand(Node(u"--Big"));
     EXPECT_EQ(platform.classTree.NodeCount(), 40004);
+    EXPECT_EQ(platform.site.pointerHistory, (std::vector<int16_t>{kPointerHourglass, kPointerDefault}));
     platform.classTree.UserCollapse(Node(u"--Big"));
     EXPECT_EQ(platform.classTree.NodeCount(), 3);
 }

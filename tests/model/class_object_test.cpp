@@ -51,12 +51,12 @@ TEST_F(ClassFixture, SameFunctionWithOtherSpacingOrCaseIsOneRefreshedEntry) {
     Func(u"Foo", 5, u"(int a)");
     Func(u"FOO", 9, u"( int a )");
     ASSERT_EQ(cls->CountFunc(), 1);
-    ItemPtr f = cls->Func(1);
+    ItemPtr f = cls->func(1);
     EXPECT_EQ(f->Name, u"Foo");  // an existing item's name is never rewritten
     EXPECT_EQ(f->Line, 9);
     EXPECT_EQ(f->Params, u"( int a )");
     EXPECT_EQ(f->KeyVal, u"FOO(INTA)");
-    EXPECT_EQ(cls->Func(u"foo(inta)"), f);
+    EXPECT_EQ(cls->func(u"foo(inta)"), f);
     // The sink hears about both, the second time as a refresh of the same item.
     EXPECT_EQ(sink->Take(), (Calls{"AddFunction CView::Foo a.h", "AddFunction CView::Foo a.h"}));
 }
@@ -66,24 +66,24 @@ TEST_F(ClassFixture, OverloadsStayApart) {
     Func(u"Draw", 4, u"(long)");
     Func(u"Draw", 5, u"()");
     EXPECT_EQ(cls->CountFunc(), 3);
-    EXPECT_EQ(cls->Func(u"DRAW(LONG)")->Line, 4);
+    EXPECT_EQ(cls->func(u"DRAW(LONG)")->Line, 4);
 }
 
 TEST_F(ClassFixture, FreeFunctionsArePublicButFreeVariablesKeepTheirScope) {
     cls->Name = u"Globals";
     Func(u"f", 1, u"()", PRIVATE_SCOPE);
     Var(u"v", 2, PRIVATE_SCOPE);
-    EXPECT_EQ(cls->Func(1)->Scope, PUBLIC_SCOPE);
+    EXPECT_EQ(cls->func(1)->Scope, PUBLIC_SCOPE);
     EXPECT_EQ(cls->var(1)->Scope, PRIVATE_SCOPE);
 
     auto lower = std::make_shared<clsClassObject>();
     lower->Name = u"globals";  // the test is case-sensitive
     lower->AddFunction__(u"g", 1, PRIVATE_SCOPE, sink.get(), file, u"()");
-    EXPECT_EQ(lower->Func(1)->Scope, PRIVATE_SCOPE);
+    EXPECT_EQ(lower->func(1)->Scope, PRIVATE_SCOPE);
 
     auto unnamed = std::make_shared<clsClassObject>();
     unnamed->AddFunction__(u"h", 1, PROTECTED_SCOPE, sink.get(), file, u"()");
-    EXPECT_EQ(unnamed->Func(1)->Scope, PUBLIC_SCOPE);
+    EXPECT_EQ(unnamed->func(1)->Scope, PUBLIC_SCOPE);
 }
 
 TEST_F(ClassFixture, VariablesAreKeyedByNameWithoutAKeyValue) {
@@ -94,7 +94,7 @@ TEST_F(ClassFixture, VariablesAreKeyedByNameWithoutAKeyValue) {
     EXPECT_EQ(cls->var(1)->KeyVal, u"");
     EXPECT_EQ(cls->var(u"m_Count"), cls->var(1));
     EXPECT_EQ(cls->var(2), nullptr);
-    EXPECT_EQ(cls->Func(u"m_count"), nullptr);
+    EXPECT_EQ(cls->func(u"m_count"), nullptr);
 }
 
 TEST_F(ClassFixture, SinkErrorsAreIgnoredForFunctionsButReachTheCallerForVariables) {
@@ -120,8 +120,8 @@ TEST_F(ClassFixture, FinishUpdateRemovesWhatWasNotSeenAgainVariablesFirst) {
     EXPECT_EQ(sink->Take(), (Calls{"RemoveVariable CView::x a.h", "RemoveFunction CView::a a.h",
                                    "RemoveFunction CView::c a.h"}));
     ASSERT_EQ(cls->CountFunc(), 1);
-    EXPECT_EQ(cls->Func(1)->Name, u"b");
-    EXPECT_EQ(cls->Func(1)->Line, 12);
+    EXPECT_EQ(cls->func(1)->Name, u"b");
+    EXPECT_EQ(cls->func(1)->Line, 12);
     EXPECT_EQ(cls->var(1)->Name, u"y");
     cls->FinishUpdate__(sink.get(), file);  // a second sweep finds nothing more
     EXPECT_TRUE(sink->calls.empty());

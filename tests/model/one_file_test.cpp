@@ -63,7 +63,7 @@ TEST_F(FileFixture, DeclarationsGoToTheirClassesCreatedOnFirstUse) {
     EXPECT_EQ(foo->CountVars(), 1);
     ClassPtr globals = file->item(u"GLOBALS");
     ASSERT_TRUE(globals);
-    EXPECT_EQ(globals->Func(1)->Scope, PUBLIC_SCOPE);
+    EXPECT_EQ(globals->func(1)->Scope, PUBLIC_SCOPE);
     EXPECT_EQ(globals->var(1)->Name, u"g_count");
     EXPECT_EQ(sink->Take(), (Calls{"AddFunction CFoo::Bar /proj/src/view.h", "AddVariable CFoo::m_x /proj/src/view.h",
                                    "AddFunction Globals::main /proj/src/view.h",

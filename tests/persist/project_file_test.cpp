@@ -27,8 +27,8 @@ void BuildSample(Project& p) {
     view->UserId = 42;
     view->item(1)->UserData = u"class tag";
     view->item(1)->UserId = -3;
-    view->item(1)->Func(2)->UserData = u"entry tag";
-    view->item(1)->Func(2)->UserId = 77;
+    view->item(1)->func(2)->UserData = u"entry tag";
+    view->item(1)->func(2)->UserId = 77;
 
     FilePtr util = p.files->Add(u"/lib/util.h", FILETYPE_NOPARSE);
     util->FileType(FILETYPE_DEFINITION);
@@ -111,9 +111,9 @@ TEST(ProjectFile, VersionTenFilesCarryNoParameterText) {
     ASSERT_TRUE(p.Load(dir / "old.kpr"));
     ClassPtr a = p.files->item(1)->item(1);
     ASSERT_EQ(a->CountFunc(), 1);
-    EXPECT_EQ(a->Func(1)->Name, u"f");
-    EXPECT_EQ(a->Func(1)->Line, 4);
-    EXPECT_EQ(a->Func(1)->Params, u"");
+    EXPECT_EQ(a->func(1)->Name, u"f");
+    EXPECT_EQ(a->func(1)->Line, 4);
+    EXPECT_EQ(a->func(1)->Params, u"");
 }
 
 TEST(ProjectFile, SignatureVersionReadsLikeANumber) {
@@ -159,7 +159,7 @@ TEST(ProjectFile, AFileWithoutSignatureStartsWithItsLanguageBelowTheThreshold) {
     ASSERT_TRUE(p.Load(dir / "raw.kpr"));
     EXPECT_EQ(p.host.language, -40000);
     EXPECT_EQ(p.host.id, 3);
-    EXPECT_EQ(p.files->item(1)->item(1)->Func(1)->Name, u"Main");
+    EXPECT_EQ(p.files->item(1)->item(1)->func(1)->Name, u"Main");
 }
 
 TEST(ProjectFile, DuplicateEntriesAreRenamedDuplicateFilesDropped) {
@@ -180,9 +180,9 @@ TEST(ProjectFile, DuplicateEntriesAreRenamedDuplicateFilesDropped) {
     EXPECT_EQ(c->var(2)->KeyVal, u"COUNT#1");
     EXPECT_EQ(c->var(3)->KeyVal, u"count#2");
     ASSERT_EQ(c->CountFunc(), 3);
-    EXPECT_EQ(c->Func(1)->KeyVal, u"F(INT)");
-    EXPECT_EQ(c->Func(2)->KeyVal, u"F#1");  // retries use the plain name
-    EXPECT_EQ(c->Func(3)->KeyVal, u"COUNT#1");
+    EXPECT_EQ(c->func(1)->KeyVal, u"F(INT)");
+    EXPECT_EQ(c->func(2)->KeyVal, u"F#1");  // retries use the plain name
+    EXPECT_EQ(c->func(3)->KeyVal, u"COUNT#1");
     // The class without entries is loaded but gets no node.
     EXPECT_EQ(p.files->item(2)->count(), 1);
     EXPECT_EQ(p.sink->Take(), (Calls{"AddClassNode C a.cpp", "AddFile a.cpp", "AddClassNode C a.cpp", "AddFile b.cpp"}));

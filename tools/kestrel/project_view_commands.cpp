@@ -120,7 +120,7 @@ int Where(const std::vector<std::string>& args) {
     }
     std::u16string owner;
     for (const ClassPtr& c : file->Classes())
-        if (c->Func(item->KeyVal) == item) owner = c->Name;
+        if (c->func(item->KeyVal) == item) owner = c->Name;
     std::cout << Utf8(owner) << "::" << Utf8(item->Name + item->Params) << " line " << item->Line << '\n';
     return session.ErrorCount() == 0 ? 0 : 1;
 }

@@ -1,0 +1,125 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+#include "common/constants.h"
+#include "model/all_files.h"
+#include "support/recording_sink.h"
+
+using namespace kestrel;
+using Calls = std::vector<std::string>;
+namespace fs = std::filesystem;
+
+namespace {
+
+// A project folder with a header and an implementation of the same class.
+struct ProjectFixture : ::testing::Test {
+    fs::path dir = fs::temp_directory_path() / ("kestrel-files-" + std::to_string(::getpid()));
+    std::shared_ptr<test::RecordingSink> sink = std::make_shared<test::RecordingSink>();
+    std::shared_ptr<clsAllFiles> files = std::make_shared<clsAllFiles>();
+
+    ProjectFixture() {
+        fs::remove_all(dir);
+        fs::create_directories(dir / "src");
+        Write("src/view.h",
+              "class CView\n{\npublic:\n    void Draw(int x);\n    int m_x;\n};\n");
+        Write("src/view.cpp", "#include \"view.h\"\n\nvoid CView::Draw( int x )\n{\n}\n\nint main()\n{\n}\n");
+        sink->ProjectDir = FromUtf8(dir.string() + "/");
+        files->SetSinkObject__(sink);
+    }
+    ~ProjectFixture() override { fs::remove_all(dir); }
+    void Write(const std::string& name, const std::string& text) { std::ofstream(dir / name) << text; }
+    std::u16string Path(const std::string& name) { return FromUtf8((dir / name).string()); }
+};
+
+struct Collector : ClassEnumerator {
+    std::vector<std::string> names;
+    void EnumClass(const std::u16string& Name, const std::u16string&, int32_t) override {
+        names.push_back(ToUtf8(Name));
+    }
+};
+
+}  // namespace
+
+TEST_F(ProjectFixture, AddShowsScansAndOffersEveryClassNode) {
+    FilePtr h = files->Add(Path("src/view.h"), FILETYPE_DEFINITION);
+    ASSERT_TRUE(h);
+    EXPECT_TRUE(h->Dirty);
+    EXPECT_EQ(h->RelativeFilename(), u"src/view.h");
+    EXPECT_EQ(h->FileName(), Path("src/view.h"));
+    EXPECT_EQ(sink->Take(), (Calls{"AddFile " + (dir / "src/view.h").string(), "AddFunction CView::Draw src/view.h",
+                                   "AddVariable CView::m_x src/view.h", "AddClassNode CView src/view.h"}));
+    // The same name again, in any letter case, is refused.
+    EXPECT_EQ(files->Add(Path("src/view.h"), FILETYPE_DEFINITION), nullptr);
+    EXPECT_EQ(files->Add(Path("SRC/VIEW.H"), FILETYPE_IMPLEMENTATION), nullptr);
+    EXPECT_EQ(files->count(), 1);
+    EXPECT_TRUE(sink->calls.empty());
+}
+
+TEST_F(ProjectFixture, HeaderAndImplementationMeetUnderOneClassKey) {
+    FilePtr h = files->Add(Path("src/view.h"), FILETYPE_DEFINITION);
+    FilePtr cpp = files->Add(Path("src/view.cpp"), FILETYPE_IMPLEMENTATION);
+    ItemPtr declared = h->GetClass(u"CView")->func(1);
+    ItemPtr defined = cpp->GetClass(u"cview")->func(1);
+    ASSERT_TRUE(declared && defined);
+    EXPECT_EQ(declared->KeyVal, defined->KeyVal);
+    EXPECT_EQ(files->FindClass(u"CVIEW", FILETYPE_DEFINITION), h->GetClass(u"CView"));
+    EXPECT_EQ(files->FindClass(u"CView", FILETYPE_IMPLEMENTATION), cpp->GetClass(u"CView"));
+    EXPECT_EQ(files->FindClass(u"CView", FILETYPE_FORM), nullptr);  // no fallback to other types
+    EXPECT_EQ(files->FindClass_File(u"cview", FILETYPE_IMPLEMENTATION), cpp);
+    EXPECT_EQ(files->FindFunction(u"main", FILETYPE_IMPLEMENTATION), cpp);
+    EXPECT_EQ(files->FindFunction(u"Main", FILETYPE_IMPLEMENTATION), nullptr);
+    EXPECT_EQ(files->FindFunction(u"main", FILETYPE_DEFINITION), nullptr);
+    h->GetClass(u"CView")->UserData = u"doc";
+    EXPECT_EQ(files->FindClass_ByUserData(u"doc", FILETYPE_DEFINITION), h->GetClass(u"CView"));
+    EXPECT_EQ(files->FindClass_ByUserData(u"DOC", FILETYPE_DEFINITION), nullptr);
+
+    Collector host;
+    files->EnumAllClasses(&host, FILETYPE_IMPLEMENTATION);
+    EXPECT_EQ(host.names, (std::vector<std::string>{"CView", "Globals"}));
+}
+
+TEST_F(ProjectFixture, ItemAndFindFileLookups) {
+    FilePtr h = files->Add(Path("src/view.h"), FILETYPE_DEFINITION);
+    FilePtr bare = files->Add(u"notes.txt", FILETYPE_NOPARSE);
+    EXPECT_EQ(files->item(1), h);
+    EXPECT_EQ(files->item(3), nullptr);
+    EXPECT_EQ(files->item(Path("src/VIEW.h")), h);
+    EXPECT_EQ(files->item(u"/anywhere/notes.txt"), bare);  // found by its file name part
+    EXPECT_EQ(files->item(u"/anywhere/other.txt"), nullptr);
+    EXPECT_EQ(files->FindFile(Path("src/view.h")), h);
+    EXPECT_EQ(files->FindFile(Path("src/VIEW.h")), nullptr);
+    EXPECT_EQ(files->FindFile(Path("notes.txt")), bare);
+}
+
+TEST_F(ProjectFixture, RemoveTellsTheSinkOnlyForAFileItHas) {
+    files->Add(Path("src/view.h"), FILETYPE_DEFINITION);
+    sink->Take();
+    EXPECT_FALSE(files->Remove(Path("src/other.h")));
+    EXPECT_TRUE(sink->calls.empty());
+    EXPECT_TRUE(files->Remove(Path("SRC/view.h")));
+    EXPECT_EQ(sink->Take(), (Calls{"RemoveFile src/view.h"}));
+    EXPECT_EQ(files->count(), 0);
+}
+
+TEST_F(ProjectFixture, UpdateAllFilesCollapsesFirstAndFollowsTheDisk) {
+    FilePtr h = files->Add(Path("src/view.h"), FILETYPE_DEFINITION);
+    files->Add(Path("src/view.cpp"), FILETYPE_IMPLEMENTATION);
+    h->Dirty = false;
+    sink->Take();
+    Write("src/view.h", "class CView\n{\npublic:\n    int m_x;\n};\n");
+    fs::remove(dir / "src/view.cpp");  // a missing file scans as empty
+    files->UpdateAllFiles();
+    EXPECT_EQ(sink->Take(),
+              (Calls{"Collapse", "AddVariable CView::m_x src/view.h", "RemoveFunction CView::Draw src/view.h",
+                     "RemoveFunction CView::Draw src/view.cpp", "RemoveClass CView src/view.cpp",
+                     "RemoveFunction Globals::main src/view.cpp", "RemoveClass Globals src/view.cpp"}));
+    EXPECT_TRUE(h->Dirty);
+    files->SetAllDirty();
+    EXPECT_TRUE(files->item(2)->Dirty);
+    files->RemoveAllFiles__();
+    EXPECT_EQ(files->count(), 0);
+    EXPECT_TRUE(sink->calls.empty());
+}

@@ -1,0 +1,189 @@
+// Whole scans through the driver: files on disk, host line sources, reuse and dumps.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "common/constants.h"
+#include "scanner/debug_dump.h"
+#include "scanner/quillbox.h"
+#include "support/error_capture.h"
+#include "support/scan_recorder.h"
+
+using namespace kestrel;
+using test::ScanBytes;
+using test::ScanRecorder;
+using test::TempFile;
+using Calls = std::vector<std::string>;
+
+namespace {
+
+class HostLines : public LineSource {
+public:
+    explicit HostLines(std::vector<std::u16string> lines) : lines_(std::move(lines)) {}
+    int32_t GetLineCount() override { return static_cast<int32_t>(lines_.size()); }
+    std::u16string Line(int32_t n) override {
+        asked.push_back(n);
+        return lines_.at(static_cast<size_t>(n - 1));
+    }
+    std::vector<int32_t> asked;
+
+private:
+    std::vector<std::u16string> lines_;
+};
+
+std::string LinesOf(const clsQuillbox& q) {
+    std::ostringstream out;
+    WriteLineDump(out, q.Lines(), q.LineCount());
+    return out.str();
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+}  // namespace
+
+TEST(ParseFile, TheExampleFromTheOverviewEndToEnd) {
+    Calls calls = ScanBytes("// view\n\nclass CView\n{\npublic:\n    void Draw(int n);\n};\n");
+    EXPECT_EQ(calls, (Calls{"declare\t6\t1\tCView::Draw\t(int n)", "endclass\t7\tCView"}));
+}
+
+TEST(ParseFile, AMissingFileLeavesTheOutputUntouched) {
+    ScanRecorder out(u"/nonexistent/kestrel/x.cpp");
+    clsQuillbox q;
+    EXPECT_FALSE(q.ParseFile(out, LANGUAGE_C));
+    EXPECT_TRUE(out.calls.empty());
+    EXPECT_TRUE(q.Results().empty());
+}
+
+TEST(ParseFile, StoresTheExtraEmptyLineAndCleansEveryLine) {
+    TempFile file("a\n\t b  c\n");
+    ScanRecorder out(file.name());
+    clsQuillbox q;
+    std::string dump;
+    q.SetBeforeBlockPass([&](const clsQuillbox& s) { dump = LinesOf(s); });
+    EXPECT_TRUE(q.ParseFile(out, LANGUAGE_C));
+    EXPECT_EQ(dump, "1 -- a\n2 -- b c\n3 -- \n");
+    EXPECT_EQ(q.LineCount(), 3);
+
+    TempFile empty("");
+    ScanRecorder none(empty.name());
+    q.SetBeforeBlockPass([&](const clsQuillbox& s) { dump = LinesOf(s); });
+    EXPECT_TRUE(q.ParseFile(none, LANGUAGE_C));
+    EXPECT_EQ(dump, "1 -- \n");
+    EXPECT_TRUE(none.calls.empty());
+}
+
+TEST(ParseFile, LongFilesKeepEveryLine) {
+    std::string text;
+    for (int i = 1; i <= 1025; ++i) text += "int v" + std::to_string(i) + ";\n";
+    Calls calls = ScanBytes(text);
+    ASSERT_EQ(calls.size(), 1025u);
+    EXPECT_EQ(calls[1024], "variable\t1025\t0\t::v1025\tint");
+}
+
+TEST(ParseFile, AReusedScannerStartsAfresh) {
+    clsQuillbox q;
+    EXPECT_EQ(ScanBytes("class A\n{\nint a;\n};\n", LANGUAGE_C, &q).size(), 2u);
+    EXPECT_EQ(ScanBytes("Private x As Long\n", LANGUAGE_BASIC, &q), (Calls{"variable\t1\t3\t::x\t"}));
+    ASSERT_EQ(q.Results().size(), 1u);
+    EXPECT_EQ(q.syntax.ClassWord, u"class");
+    EXPECT_TRUE(q.syntax.IncludeWords.empty());
+}
+
+TEST(ParseFile, UnlistedLanguagesFillTheResultsButWriteNothing) {
+    clsQuillbox q;
+    // A language without a table on a fresh scanner finds nothing at all.
+    EXPECT_EQ(ScanBytes("int x;\n", LANGUAGE_PASCAL, &q), Calls{});
+    EXPECT_TRUE(q.Results().empty());
+    // After a C scan the C words stay in force: results, but no writes.
+    ScanBytes("int x;\n", LANGUAGE_C, &q);
+    EXPECT_EQ(ScanBytes("int y;\n", LANGUAGE_PASCAL, &q), Calls{});
+    ASSERT_EQ(q.Results().size(), 1u);
+    EXPECT_EQ(q.Results()[0].word, u"int y;");
+    // The include language still reports class ends in the block pass.
+    EXPECT_EQ(ScanBytes("class A\n{\n};\n", LANGUAGE_CINCLUDE, &q), Calls{});
+    EXPECT_EQ(q.Results()[0].Scope, 253);
+}
+
+TEST(ParseFile, JavaAndCDifferOnlyInLinkageBlocks) {
+    std::string text = "extern \"C\" {\nint f(void);\n}\n";
+    EXPECT_EQ(ScanBytes(text, LANGUAGE_C), (Calls{"declare\t2\t0\t::f\t(void)", "endclass\t3\t"}));
+    EXPECT_EQ(ScanBytes(text, LANGUAGE_JAVA), Calls{});
+}
+
+TEST(ParseFile, MultiLineParameterListsCollectNothingFromConsumedLines) {
+    Calls calls = ScanBytes("void Move(int dx,\n          int dy);\n");
+    EXPECT_EQ(calls, (Calls{"declare\t1\t0\t::Move\t()"}));
+}
+
+TEST(ParseFile, AfterAnErrorInTheBlockPassLaterLinesFeedTheParameterCollector) {
+    test::ErrorCapture capture;
+    Calls calls = ScanBytes("void Move(int dx,\nclass A\xC4\x81{\nint dy);\n");
+    EXPECT_EQ(calls, (Calls{"declare\t1\t0\t::Move\t(int dx,class A\u0101{int dy)"}));
+    ASSERT_EQ(capture.reports.size(), 1u);
+    EXPECT_EQ(capture.reports[0].title, "Sub TakeLevelsOut");
+}
+
+TEST(ParseEmbeededFile, ScansTheHostsLines) {
+    HostLines host({u"class A", u"{", u"public:", u"\tint Get() const;", u"};"});
+    ScanRecorder out(u"buffer");
+    clsQuillbox q;
+    EXPECT_TRUE(q.ParseEmbeededFile(out, LANGUAGE_C, host));
+    EXPECT_EQ(out.calls, (Calls{"declare\t4\t1\tA::Get\t()", "endclass\t5\tA"}));
+}
+
+TEST(ParseEmbeededFile, AHostLineWithALineFeedMakesTheFollowingLinesSkipAhead) {
+    HostLines host({u"int a;", u"int b;", u"int c;\nint d;", u"int skipped;", u"int e;", u"int f;"});
+    ScanRecorder out(u"buffer");
+    clsQuillbox q;
+    std::string dump;
+    q.SetBeforeBlockPass([&](const clsQuillbox& s) { dump = LinesOf(s); });
+    EXPECT_TRUE(q.ParseEmbeededFile(out, LANGUAGE_C, host));
+    EXPECT_EQ(host.asked, (std::vector<int32_t>{1, 2, 3, 5, 6}));
+    EXPECT_EQ(dump, "1 -- int a;\n2 -- int b;\n3 -- int c;\n4 -- int d;\n5 -- int e;\n6 -- int f;\n");
+    EXPECT_EQ(out.calls.size(), 6u);
+    EXPECT_EQ(out.calls[3], "variable\t4\t0\t::d\tint");
+}
+
+TEST(ParseEmbeededFile, ATrailingLineFeedGivesAnEmptyLine) {
+    HostLines host({u"int a;\n"});
+    ScanRecorder out(u"buffer");
+    clsQuillbox q;
+    std::string dump;
+    q.SetBeforeBlockPass([&](const clsQuillbox& s) { dump = LinesOf(s); });
+    q.ParseEmbeededFile(out, LANGUAGE_C, host);
+    EXPECT_EQ(dump, "1 -- int a;\n2 -- \n");
+}
+
+TEST(DebugDumps, WriteTheFixedFilesOfTheCurrentDirectory) {
+    namespace fs = std::filesystem;
+    fs::path dir = fs::temp_directory_path() / ("kestrel-dump-" + std::to_string(::getpid()));
+    fs::create_directories(dir);
+    fs::path previous = fs::current_path();
+    fs::current_path(dir);
+    {
+        test::ErrorCapture capture;
+        clsQuillbox q;
+        q.DebugFile();  // nothing scanned yet: an empty dump
+        EXPECT_EQ(ReadFile("c:\\debug.txt"), "");
+        ScanBytes("class CFoo\n{\npublic:\nint Count;\n};\n", LANGUAGE_C, &q);
+        q.DebugResult();
+        EXPECT_EQ(ReadFile("c:\\debug_result.txt"),
+                  "Line:3,Class:CFoo,Scope:1 -- public:\n"
+                  "Line:4,Class:CFoo,Scope:1 -- int Count\n"
+                  "Line:5,Class:CFoo,Scope:253 -- \u00ABEND\u00BFCLASS\u00BB\n"
+                  "Line:5,Class:,Scope:1 -- \n");
+        // The line array is gone after a scan; the dump runs into its end.
+        q.DebugFile();
+        ASSERT_EQ(capture.reports.size(), 1u);
+        EXPECT_EQ(capture.reports[0].title, "Sub DebugFile");
+    }
+    fs::current_path(previous);
+    fs::remove_all(dir);
+}

@@ -1,0 +1,79 @@
+#pragma once
+// A scanner output that records every call as one TAB-separated line (the format of
+// `kestrel scan`), and helpers that scan a text through a real file on disk.
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include "common/constants.h"
+#include "common/text.h"
+#include "scanner/quillbox.h"
+#include "scanner/scan_output.h"
+
+namespace kestrel::test {
+
+class ScanRecorder : public ScanOutput {
+public:
+    explicit ScanRecorder(std::u16string fileName = u"", int32_t fileType = FILETYPE_IMPLEMENTATION)
+        : fileName_(std::move(fileName)), fileType_(fileType) {}
+
+    int32_t FileType() const override { return fileType_; }
+    std::u16string FileName() override { return fileName_; }
+    void WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
+                        const std::u16string& params) override {
+        calls.push_back("declare\t" + std::to_string(line) + "\t" + std::to_string(scope) + "\t" + ToUtf8(fullName) +
+                        "\t" + ToUtf8(params));
+    }
+    void WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,
+                         const std::u16string& typeText) override {
+        calls.push_back("variable\t" + std::to_string(line) + "\t" + std::to_string(scope) + "\t" + ToUtf8(fullName) +
+                        "\t" + ToUtf8(typeText));
+    }
+    void WriteEndClass__(const std::u16string& className, int32_t endLine) override {
+        calls.push_back("endclass\t" + std::to_string(endLine) + "\t" + ToUtf8(className));
+    }
+    void WriteInclude__(const std::u16string& fileName, int32_t line) override {
+        calls.push_back("include\t" + std::to_string(line) + "\t" + ToUtf8(fileName));
+    }
+
+    std::vector<std::string> calls;
+
+private:
+    std::u16string fileName_;
+    int32_t fileType_;
+};
+
+// A file in the temporary directory, removed when the object goes.
+class TempFile {
+public:
+    explicit TempFile(const std::string& bytes, const std::string& suffix = ".txt") {
+        static int counter = 0;
+        path_ = (std::filesystem::temp_directory_path() /
+                 ("kestrel-scan-" + std::to_string(::getpid()) + "-" + std::to_string(++counter) + suffix))
+                    .string();
+        std::ofstream(path_, std::ios::binary) << bytes;
+    }
+    ~TempFile() { std::remove(path_.c_str()); }
+    TempFile(const TempFile&) = delete;
+    TempFile& operator=(const TempFile&) = delete;
+    const std::string& path() const { return path_; }
+    std::u16string name() const { return FromUtf8(path_); }
+
+private:
+    std::string path_;
+};
+
+// Scans `bytes` written to a file; the recorded calls.
+inline std::vector<std::string> ScanBytes(const std::string& bytes, int16_t language = LANGUAGE_C,
+                                          clsQuillbox* scanner = nullptr) {
+    TempFile file(bytes);
+    ScanRecorder out(file.name());
+    clsQuillbox own;
+    (scanner ? *scanner : own).ParseFile(out, language);
+    return out.calls;
+}
+
+}  // namespace kestrel::test
