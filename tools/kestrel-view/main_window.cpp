@@ -43,7 +43,7 @@ QString TextOf(const std::u16string& text) { return qt::ToQString(text); }
 ClassPtr ClassHolding(const FilePtr& file, const ItemPtr& item) {
     for (int32_t i = 1; i <= file->count(); ++i) {
         ClassPtr cls = file->item(i);
-        if (cls && cls->Func(item->KeyVal) == item) return cls;
+        if (cls && cls->func(item->KeyVal) == item) return cls;
     }
     return nullptr;
 }
@@ -311,7 +311,7 @@ void MainWindow::OpenSelection() {
     for (int32_t i = 1; i <= control.files()->count(); ++i) {
         const FilePtr file = control.files()->item(i);
         const ClassPtr cls = file ? file->GetClass(selectedClass->Name) : nullptr;
-        const ItemPtr item = !cls ? nullptr : kind == ST_METHOD ? cls->Func(itemKey) : cls->var(itemKey);
+        const ItemPtr item = !cls ? nullptr : kind == ST_METHOD ? cls->func(itemKey) : cls->var(itemKey);
         if (!item) continue;
         if (!bestItem || (kind == ST_METHOD && file->FileType() == FILETYPE_IMPLEMENTATION &&
                           bestFile->FileType() != FILETYPE_IMPLEMENTATION)) {
@@ -372,7 +372,7 @@ void MainWindow::ShowFirstFunction() {
         for (int32_t c = 1; c <= file->count(); ++c) {
             const ClassPtr cls = file->item(c);
             if (!cls || cls->Name == u"Globals" || cls->CountFunc() == 0) continue;
-            const ItemPtr function = cls->Func(1);
+            const ItemPtr function = cls->func(1);
             OpenSourceFile(file, function->Line);
             PlatformTree& tree = view_->control().tView(0);
             const NodeId node = tree.Find(u"!!" + cls->Name + u"::" + function->KeyVal);
