@@ -4,6 +4,7 @@
 #include <QAction>
 #include <QImage>
 #include <QProcess>
+#include <QProgressBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextBlock>
@@ -117,6 +118,31 @@ private slots:
         byFile->trigger();
         QCOMPARE(window.View().viewStyle(), int(kestrel::prvFiles));
         QCOMPARE(window.View().control().WhatIsSelected(), kestrel::ST_FILE);
+    }
+
+    void aSavedProjectOpensWithTheTimedLoaderAndABusyBar() {
+        QString projectFile;
+        {
+            MainWindow first;
+            QVERIFY(first.OpenFolder(CopyExamples(dir_), false));
+            QVERIFY(first.View().control().Save());
+            projectFile = QString::fromStdU16String(first.View().control().FileName());
+        }
+        MainWindow window;
+        window.show();
+        QVERIFY(window.OpenProject(projectFile, true));
+        QVERIFY(window.View().asyncLoad());
+        QVERIFY(window.View().loadTimer().isActive());
+        QProgressBar* busy = window.findChild<QProgressBar*>();
+        QVERIFY(busy && busy->isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(!window.View().loadTimer().isActive(), 10000);
+        QTRY_VERIFY(!busy->isVisible());
+
+        window.ExpandAllClasses();
+        QTreeWidgetItem* shape = FindItem(window.View().tree(0), "Shape");
+        QVERIFY(shape);
+        QCOMPARE(ChildTexts(shape), (QStringList{"Functions", "Variables"}));
+        QVERIFY(shape->child(0)->childCount() > 0);
     }
 
     void theScreenshotIsAPictureOfTheWholeWindow() {
