@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 
 #include "common/constants.h"
 #include "model/all_files.h"
@@ -178,6 +179,10 @@ private slots:
         SendMouse(ClassTree(), QEvent::MouseMove, onArea + QPoint(3, 1));
         QCOMPARE(tips.count(), 1);
         QCOMPARE(tips.at(0).at(0).toString(), QString("the area in square units"));
+        // Resting there shows the tree's tool tip.
+        QHelpEvent rest(QEvent::ToolTip, onArea, ClassTree()->viewport()->mapToGlobal(onArea));
+        QApplication::sendEvent(ClassTree()->viewport(), &rest);
+        QCOMPARE(QToolTip::text(), QString("the area in square units"));
 
         // With a button held the tip stays as it is.
         const QPoint below(10, ClassTree()->viewport()->height() - 2);
