@@ -6,14 +6,17 @@
 #include <QImage>
 #include <cstdio>
 
+#include "errorlog/errorlog.h"
 #include "main_window.h"
 #include "screenshot.h"
 
 namespace {
 
-bool WantsScreenshot(int argc, char** argv) {
+// A screenshot and the help text need no display.
+bool NeedsNoDisplay(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        if (qstrcmp(argv[i], "--screenshot") == 0 || qstrncmp(argv[i], "--screenshot=", 13) == 0) return true;
+        const QByteArray arg(argv[i]);
+        if (arg == "--screenshot" || arg.startsWith("--screenshot=") || arg == "--help" || arg == "-h") return true;
     }
     return false;
 }
@@ -21,8 +24,7 @@ bool WantsScreenshot(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // A screenshot needs no display.
-    if (WantsScreenshot(argc, argv) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+    if (NeedsNoDisplay(argc, argv) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QApplication app(argc, argv);
@@ -45,6 +47,15 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "kestrel-view: give one project or folder, not %lld\n", static_cast<long long>(paths.size()));
         return 2;
     }
+
+    // Errors trapped inside the control are reported on standard error, where the person
+    // trying the program sees them.
+    kestrel::SetErrorHandler([](const kestrel::ErrorReport& report) -> int16_t {
+        std::fprintf(stderr, "kestrel-view: %.*s, %.*s: error %d: %.*s\n", int(report.module.size()), report.module.data(),
+                     int(report.title.size()), report.title.data(), report.number, int(report.message.size()),
+                     report.message.data());
+        return 0;
+    });
 
     kestrel::view::MainWindow window;
     const bool drawOnly = parser.isSet(screenshot);
