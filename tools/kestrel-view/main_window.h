@@ -14,7 +14,6 @@
 class QActionGroup;
 class QLabel;
 class QProgressBar;
-class QTreeWidgetItem;
 
 namespace kestrel::qt {
 class TreeViewWidget;
@@ -48,7 +47,6 @@ public:
     qt::TreeViewWidget& View() const { return *view_; }
     CodeEditor& Editor() const { return *editor_; }
     FilePtr EditedFile() const { return editedFile_; }
-    bool Busy() const { return !pending_.empty(); }
     QString StatusText() const;
     // The last failure reported to the user, for the command line.
     QString LastError() const { return lastError_; }
