@@ -47,7 +47,9 @@ public:
     AllFilesPtr files() const { return control_->files(); }
 
     // The persisted properties: from a QSettings group (empty: the settings' root) or a
-    // host's map. Reading a bag that lacks a property gives its default.
+    // host's map. Reading a bag that lacks a property gives its default. As in the
+    // control, reading stores the view style without switching the visible tree; a host
+    // that wants the stored view shown calls setViewStyle(viewStyle()) afterwards.
     void readProperties(QSettings& settings, const QString& group = QString());
     void writeProperties(QSettings& settings, const QString& group = QString()) const;
     void readProperties(const QVariantMap& properties);
