@@ -1,5 +1,6 @@
-// The control's trees at size: 100,000 nodes under one sorted parent, and a class of
-// 50,000 members opened and folded again through the expansion handler.
+// The control's trees at size: 100,000 nodes under one sorted parent, a class of 50,000
+// members opened and folded again through the expansion handler, and every class of a
+// project of 10,000 files opened.
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
@@ -58,5 +59,36 @@ void BM_ExpandAndCollapseAClassOfFiftyThousandMembers(benchmark::State& state) {
     std::filesystem::remove_all(dir);
 }
 BENCHMARK(BM_ExpandAndCollapseAClassOfFiftyThousandMembers)->Unit(benchmark::kMillisecond);
+
+void BM_OpenEveryClassOfTenThousandFiles(benchmark::State& state) {
+    const std::filesystem::path dir =
+        std::filesystem::temp_directory_path() / ("kestrel-bench-files-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(dir);
+    MemoryPlatform platform;
+    auto view = TreeView::Create(platform.Get());
+    const std::u16string project = FromUtf8((dir / "many.kpr").string());
+    view->NewProject(project, LANGUAGE_C, 0);
+    for (int i = 0; i < 10000; ++i) {
+        const std::filesystem::path file = dir / ("f" + std::to_string(i) + ".h");
+        std::ofstream(file) << "class C" << i << " {\npublic:\n    int f(int a);\n};\n";
+        view->files()->Add(FromUtf8(file.string()), FILETYPE_DEFINITION);
+    }
+    view->Save();
+    for (auto _ : state) {
+        state.PauseTiming();
+        view->CloseProject();
+        view->Load(project);
+        std::vector<NodeId> classes;
+        const NodeId root = platform.classTree.FirstChild(kNoNode);
+        for (NodeId c = platform.classTree.FirstChild(root); c != kNoNode; c = platform.classTree.NextSibling(c))
+            classes.push_back(c);
+        state.ResumeTiming();
+        for (NodeId c : classes) platform.classTree.UserExpand(c);
+    }
+    state.SetItemsProcessed(state.iterations() * 10000);
+    view.reset();
+    std::filesystem::remove_all(dir);
+}
+BENCHMARK(BM_OpenEveryClassOfTenThousandFiles)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -33,9 +33,10 @@ void TreeView::tView_Expand(int16_t Index, NodeId Node) {
         const std::u16string className = key.substr(2);
         if (className.empty()) return;
         expanding_ = Node;
-        AllFilesPtr all = files();
-        for (int32_t i = 1; i <= all->count(); ++i) {
-            FilePtr file = all->item(i);
+        // The files holding the class, in project order: the same files, in the same
+        // order, as a walk over the whole project would find.
+        const std::vector<FilePtr> holders = holders_.Of(*files(), className);
+        for (const FilePtr& file : holders) {
             if (file->FileType() != FILETYPE_IMPLEMENTATION && file->FileType() != FILETYPE_DEFINITION) continue;
             if (ClassPtr classObj = file->GetClass(className)) classObj->AddAllFromTheClass__(this, file);
         }

@@ -99,6 +99,7 @@ void TreeView::ForgetCurrentClass() {
 
 void TreeView::AddClassNode__WithDummy(const ClassPtr& classObj, const FilePtr& file) {
     Trap(kModule, "Sub AddClassNode__WithDummy", [&] {
+        holders_.Invalidate();
         NodeId classNode = FindClassNode__(classObj, file, -1);
         if (classNode == kNoNode || classTree_->ChildCount(classNode) != 0) return;
         classTree_->AddLastChild(classNode, MakeKey(kPlaceholderMarker, classTree_->Key(classNode)),
@@ -108,6 +109,8 @@ void TreeView::AddClassNode__WithDummy(const ClassPtr& classObj, const FilePtr& 
 
 void TreeView::AddFunction__(const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file) {
     Trap(kModule, "Sub AddFunction__", [&] {
+        // Outside an expansion the entry may come from a class the project just gained.
+        if (expanding_ == kNoNode) holders_.Invalidate();
         if (TimedLoad().Enabled())
             TimedLoad().AddFunction(item, classObj, file);
         else
@@ -117,6 +120,7 @@ void TreeView::AddFunction__(const ItemPtr& item, const ClassPtr& classObj, cons
 
 void TreeView::AddVariable__(const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file) {
     Trap(kModule, "Sub AddVariable__", [&] {
+        if (expanding_ == kNoNode) holders_.Invalidate();
         if (TimedLoad().Enabled())
             TimedLoad().AddVariable(item, classObj, file);
         else
@@ -180,6 +184,7 @@ void TreeView::AddEntry(bool isFunction, const ItemPtr& item, const ClassPtr& cl
                                  : classTree_->AddLastChild(folder, key, text, image);
     }
     std::u16string tag = SetATag__(node, item->UserData);
+    if (tag.empty()) tag = u"0";  // SetATag__ failed and has reported why
     tag[0] = static_cast<char16_t>(u'0' + ((tag[0] - u'0') | FileBit(file)));
     classTree_->SetTag(node, tag);
 }
@@ -222,7 +227,7 @@ void TreeView::RemoveEntry(bool isFunction, const ItemPtr& item, const ClassPtr&
 }
 
 bool TreeView::HeldByAnotherFile(const std::u16string& className, const FilePtr& except) {
-    for (const FilePtr& other : files()->Files())
+    for (const FilePtr& other : holders_.Of(*files(), className))
         if (other != except && other->GetClass(className)) return true;
     return false;
 }
@@ -241,6 +246,7 @@ void TreeView::RemoveClass__(const ClassPtr& classObj, const FilePtr& file) {
 
 void TreeView::AddFile__(const FilePtr& file) {
     Trap(kModule, "Sub AddFile__", [&] {
+        holders_.Invalidate();
         NodeId project = GetANodeEx__(1, MakeKey(kProjectMarker, projectName_), projectName_, kNoNode, kImageProject);
         const FileFolder& folder = FolderOfType(file->FileType());
         NodeId folderNode =
@@ -271,7 +277,8 @@ void TreeView::RemoveFile__(const FilePtr& file) {
             for (const ItemPtr& f : classObj->Functions()) RemoveEntry(true, f, classObj, file);
             for (const ItemPtr& v : classObj->Variables()) RemoveEntry(false, v, classObj, file);
             ForgetCurrentClass();
-            for (const FilePtr& other : files()->Files()) {
+            const std::vector<FilePtr> holders = holders_.Of(*files(), classObj->Name);
+            for (const FilePtr& other : holders) {
                 if (other == file) continue;
                 ClassPtr same = other->GetClass(classObj->Name);
                 if (!same) continue;
@@ -280,12 +287,14 @@ void TreeView::RemoveFile__(const FilePtr& file) {
             }
         }
         ForgetCurrentClass();
+        holders_.Drop(file);
     });
 }
 
 void TreeView::RemoveAll__() {
     Trap(kModule, "Sub RemoveAll__", [&] {
         ForgetCurrentClass();
+        holders_.Invalidate();
         classTree_->Clear();
         fileTree_->Clear();
     });

@@ -197,6 +197,7 @@ AllFilesPtr TreeView::files() {
 void TreeView::files(AllFilesPtr value) {
     Trap(kModule, "Property (Set) files", [&] {
         files_ = std::move(value);
+        holders_.Invalidate();
         site_->PropertyChanged("Files");
     });
 }

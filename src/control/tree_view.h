@@ -12,6 +12,7 @@
 #include <string>
 
 #include "common/constants.h"
+#include "control/class_holders.h"
 #include "control/paths.h"
 #include "control/platform/platform.h"
 #include "control/tree_view_events.h"
@@ -169,6 +170,7 @@ private:
     NodeId currentFolder_ = kNoNode;
     std::u16string currentClassName_;
     NodeId expanding_ = kNoNode;  // the class node tView_Expand is filling
+    ClassHolders holders_;
 };
 
 }  // namespace kestrel

@@ -22,12 +22,25 @@ public:
 
 private:
     const std::u16string& LineAt(int32_t n) const;
-    // The first line at or after n that holds a parenthesis (lineCount + 1 when none).
-    int32_t NextParenLine(int32_t n);
+    void BuildIndex();
+    // The first line at or after `from` where a list open `depth` levels deep at the
+    // start of `from` closes, with the depth it has at the start of that line; false
+    // when it never closes.
+    bool FindClosingLine(int32_t from, int32_t depth, int32_t& line, int32_t& depthThere) const;
+    int32_t FirstAtMost(size_t node, size_t low, size_t high, size_t from, int32_t limit) const;
 
     const std::vector<std::u16string>& lines_;
     int32_t lineCount_;
-    std::vector<int32_t> nextParen_;  // built on first use
+
+    // Built on first use, so that every list that runs past its line costs time in
+    // proportion to what it collects, not to the rest of the text:
+    bool indexed_ = false;
+    std::vector<int32_t> textLines_;   // lines holding more than blanks
+    std::vector<int32_t> parenLines_;  // lines holding a parenthesis
+    std::vector<int32_t> balanceBefore_;  // per paren line: "(" minus ")" of all earlier lines
+    std::vector<int32_t> lowest_;         // per paren line: balanceBefore_ + the lowest running balance in it
+    std::vector<int32_t> lowestTree_;     // segment tree of minima over lowest_
+    size_t leaves_ = 0;
 };
 
 }  // namespace kestrel

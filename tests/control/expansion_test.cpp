@@ -106,6 +106,20 @@ TEST_F(Expansion, UpdatingAllFilesFoldsEveryClass) {
     EXPECT_EQ(ChildKeys(Node(u"--Extra")), (std::vector<std::u16string>{u"''Extra"}));
 }
 
+TEST_F(Expansion, FilesAddedOrRemovedLaterTakePartInTheFilling) {
+    platform.classTree.UserExpand(shapeNode);  // the project as loaded
+    platform.classTree.UserCollapse(shapeNode);
+    view->files()->Add(Write("more.cpp", "void Shape::Extra() {\n}\n"), FILETYPE_IMPLEMENTATION);
+    EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);  // the class waits for its expansion
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_NE(Node(u"!!Shape::EXTRA()"), kNoNode);
+    EXPECT_TRUE(view->files()->Remove(Path("more.cpp")));
+    EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);
+    platform.classTree.UserCollapse(shapeNode);
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_EQ(Outline(0, true), filled);
+}
+
 TEST_F(Expansion, AFailingHandlerIsReportedAndTheHostGoesOn) {
     platform.classTree.Remove(shapeNode);
     view->tView_Expand(0, shapeNode);

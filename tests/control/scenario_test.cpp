@@ -96,6 +96,31 @@ TEST_F(Scenario, NewAddQueryEditSaveCloseLoadInTheBackgroundAndExpand) {
     EXPECT_TRUE(errors.reports.empty());
 }
 
+TEST_F(Scenario, CloseProjectSavesNewProjectDoesNotAndAMissingFileNamesTheNextSave) {
+    view->NewProject(Path("first.kpr"), LANGUAGE_JAVA, 3);
+    view->files()->Add(Write("A.java", "class A {\n    void run() {\n    }\n}\n"), FILETYPE_IMPLEMENTATION);
+    view->CloseProject();
+    EXPECT_EQ(view->Language(), 0);
+    EXPECT_TRUE(std::filesystem::exists(dir / "first.kpr"));
+
+    view->NewProject(Path("second.kpr"), LANGUAGE_C, 4);
+    view->NewProject(Path("third.kpr"), LANGUAGE_C, 5);
+    EXPECT_FALSE(std::filesystem::exists(dir / "second.kpr"));
+
+    ASSERT_TRUE(view->Load(Path("first.kpr")));
+    EXPECT_EQ(view->Language(), LANGUAGE_JAVA);
+    EXPECT_EQ(view->ID(), 3);
+    // Loading a file that is not there keeps the project and names where it goes next.
+    EXPECT_FALSE(view->Load(Path("copy.kpr")));
+    EXPECT_EQ(view->FileName(), Path("copy.kpr"));
+    EXPECT_EQ(view->files()->count(), 1);
+    ASSERT_TRUE(view->Save());
+    view->CloseProject();
+    ASSERT_TRUE(view->Load(Path("copy.kpr")));
+    EXPECT_EQ(view->files()->count(), 1);
+    EXPECT_EQ(view->GetProjectName(), u"Copy");
+}
+
 TEST_F(Scenario, RemovingAFileKeepsWhatTheOtherFilesDefine) {
     view->NewProject(Path("p.kpr"), LANGUAGE_C, 0);
     AllFilesPtr files = view->files();

@@ -104,6 +104,15 @@ TEST(CollectParams, JoinsContinuationLinesWithoutABlank) {
     EXPECT_EQ(a.C(Record(u"void open( int a,")), (Calls{"declare\t1\t1\t::open\t(int a,int b)"}));
 }
 
+TEST(CollectParams, CountsNestingAcrossLines) {
+    Analyse nested(LANGUAGE_C, {u"b),", u"", u"c) x"});
+    EXPECT_EQ(nested.C(Record(u"int f(a, g(")), (Calls{"declare\t1\t1\t::f\t(a, g(b),c)"}));
+    Analyse balanced(LANGUAGE_C, {u"x(1)", u"  ", u"y) z(", u")"});
+    EXPECT_EQ(balanced.C(Record(u"int f(a,")), (Calls{"declare\t1\t1\t::f\t(a,x(1)y)"}));
+    Analyse deeper(LANGUAGE_C, {u"(", u")", u")"});
+    EXPECT_EQ(deeper.C(Record(u"int f(a")), (Calls{"declare\t1\t1\t::f\t(a())"}));
+}
+
 TEST(CollectParams, AListThatNeverClosesGivesEmptyParentheses) {
     Analyse a(LANGUAGE_C, {u"int b", u"", u"int c"});
     EXPECT_EQ(a.C(Record(u"void open( int a,")), (Calls{"declare\t1\t1\t::open\t()"}));

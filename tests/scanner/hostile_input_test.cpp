@@ -82,4 +82,11 @@ TEST(HostileInput, ManyUnclosedParameterListsStayLinear) {
     Calls calls = ScanBytes(text);
     ASSERT_EQ(calls.size(), 50000u);
     EXPECT_EQ(calls[0], "declare\t1\t0\t::f0\t()");
+
+    // Basic keeps the lines inside procedures, so every open list sees all that follows.
+    std::string basic;
+    for (int i = 0; i < 50000; ++i) basic += "Sub f" + std::to_string(i) + "(a,\nx = g(1)\n";
+    Calls subs = ScanBytes(basic, LANGUAGE_BASIC);
+    ASSERT_EQ(subs.size(), 50000u);
+    EXPECT_EQ(subs[49999], "declare\t99999\t0\t::f49999\t()");
 }

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <string>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -21,7 +22,10 @@ std::string ReadFile(const std::string& path) {
 
 // Runs kestrel with `args` (shell words) in the source directory.
 Outcome Kestrel(const std::string& args) {
-    std::string err = ::testing::TempDir() + "kestrel-scan-stderr.txt";
+    // Tests run in parallel processes: one file per process and call.
+    static int calls = 0;
+    std::string err = ::testing::TempDir() + "kestrel-scan-stderr-" + std::to_string(::getpid()) + "-" +
+                      std::to_string(++calls) + ".txt";
     std::string command = std::string("cd '") + KESTREL_SOURCE_DIR + "' && '" + KESTREL_BINARY_DIR +
                           "/tools/kestrel' " + args + " 2>'" + err + "'";
     Outcome run{};
@@ -32,6 +36,7 @@ Outcome Kestrel(const std::string& args) {
     int status = ::pclose(pipe);
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     run.err = ReadFile(err);
+    std::remove(err.c_str());
     return run;
 }
 
