@@ -22,8 +22,12 @@ PropertyValue FromVariant(const QVariant& stored, const PropertyValue& defaultVa
         const int value = stored.toInt(&ok);
         if (ok) return static_cast<int32_t>(value);
     } else {
+        // A font description is a list of family, size and style fields, never one word.
+        const QString description = stored.toString();
         QFont font;
-        if (font.fromString(stored.toString())) return FromQFont(font);
+        if (stored.typeId() == QMetaType::QString && description.contains(QLatin1Char(',')) && font.fromString(description)) {
+            return FromQFont(font);
+        }
     }
     return defaultValue;
 }
