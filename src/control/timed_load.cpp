@@ -41,19 +41,16 @@ void clsTimedLoad::AddVariable(const ItemPtr& item, const ClassPtr& classObj, co
 
 bool clsTimedLoad::Enabled() {
     bool on = false;
-    Trap(kModule, "Property (Get) Enabled", [&] {
-        if (!m_timer) throw RuntimeError(kErrObjectRequired, "Object required");
-        on = m_timer->Enabled();
-    });
+    // Without a timer the loader never runs and every entry is added at once.
+    Trap(kModule, "Property (Get) Enabled", [&] { on = m_timer && m_timer->Enabled(); });
     return on;
 }
 
 void clsTimedLoad::Enabled(bool value) {
     Trap(kModule, "Property (Let) Enabled", [&] {
-        if (!m_timer) throw RuntimeError(kErrObjectRequired, "Object required");
-        if (value) m_timer->SetInterval(kFirstDelay);
+        if (value && m_timer) m_timer->SetInterval(kFirstDelay);
         Empty();
-        m_timer->SetEnabled(value);
+        if (m_timer) m_timer->SetEnabled(value);
     });
 }
 

@@ -80,5 +80,17 @@ TEST_F(TimedLoading, NewProjectDropsPendingRequests) {
     EXPECT_EQ(Outline(), "");
 }
 
+TEST_F(TimedLoading, APlatformWithoutTimerAddsEverythingAtOnce) {
+    MemoryPlatform bare;
+    Platform parts = bare.Get();
+    parts.loadTimer = nullptr;
+    auto control = TreeView::Create(parts);
+    control->NewProject(u"/p/demo.kpr", LANGUAGE_C, 0);
+    control->TimedLoad().Enabled(true);
+    control->AddFunction__(MakeFunction(u"Run", u"()"), shape, file);
+    EXPECT_NE(bare.classTree.Find(u"!!Shape::RUN()"), kNoNode);
+    EXPECT_TRUE(errors.reports.empty());
+}
+
 }  // namespace
 }  // namespace kestrel::test

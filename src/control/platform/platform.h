@@ -14,7 +14,7 @@ namespace kestrel {
 struct Platform {
     PlatformTree* classTree = nullptr;  // tView(0): the project by classes
     PlatformTree* fileTree = nullptr;   // tView(1): the project by files
-    PlatformTimer* loadTimer = nullptr; // tmrLoad, driven by the timed loader
+    PlatformTimer* loadTimer = nullptr; // tmrLoad; without one, AsyncLoad adds entries at once
     ControlSite* site = nullptr;
 };
 
