@@ -15,3 +15,8 @@ echo "== class tree of examples/ (C++ files)"
 echo
 echo "== file tree"
 ./build/tools/kestrel tree --files "$work/examples.kpr"
+if cmake --build build -j"$(nproc)" --target kestrel-view >/dev/null 2>&1; then
+  echo
+  echo "== kestrel-view, drawn offscreen"
+  ./build/tools/kestrel-view/kestrel-view --screenshot build/kestrel-view-examples.png --expand examples 2>/dev/null
+fi

@@ -1,0 +1,176 @@
+// kestrel-view driven as a person would use it: a copy of examples/ opened as a folder,
+// entries double-clicked, a new function typed into a file and found in the tree after
+// the rescan; and the command line's screenshot.
+#include <QAction>
+#include <QImage>
+#include <QProcess>
+#include <QProgressBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextBlock>
+
+#include "code_editor.h"
+#include "common/constants.h"
+#include "main_window.h"
+#include "model/all_files.h"
+#include "qt/tree_view_widget.h"
+#include "qt_test_support.h"
+
+using kestrel::view::MainWindow;
+using namespace kestrel::test;
+
+namespace {
+
+// Copies examples/ so that nothing a test does can touch the repository's files.
+QString CopyExamples(const QTemporaryDir& dir) {
+    const QDir source(QStringLiteral(KESTREL_SOURCE_DIR "/examples"));
+    const QString target = dir.filePath("examples");
+    QDir().mkpath(target);
+    for (const QFileInfo& entry : source.entryInfoList(QDir::Files)) {
+        QFile::copy(entry.absoluteFilePath(), target + "/" + entry.fileName());
+    }
+    return target;
+}
+
+// The first implementation file of the project.
+kestrel::FilePtr FirstImplementation(const MainWindow& window) {
+    const kestrel::AllFilesPtr files = window.View().files();
+    for (int32_t i = 1; i <= files->count(); ++i) {
+        if (files->item(i)->FileType() == kestrel::FILETYPE_IMPLEMENTATION) return files->item(i);
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+class KestrelViewTest : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir dir_;
+
+private slots:
+    void typingANewFunctionShowsItInTheTreeAfterThePause() {
+        MainWindow window;
+        window.show();
+        QSignalSpy opened(&window, &MainWindow::openFinished);
+        QVERIFY(window.OpenFolder(CopyExamples(dir_), true));
+        QVERIFY(opened.wait(10000));
+        QVERIFY(window.View().files()->count() > 0);
+
+        const kestrel::FilePtr file = FirstImplementation(window);
+        QVERIFY(file);
+        window.OpenSourceFile(file, 1);
+        QTreeWidget* tree = window.View().tree(0);
+        QTreeWidgetItem* globals = FindItem(tree, "Globals");
+        if (globals) tree->expandItem(globals);
+
+        kestrel::view::CodeEditor& editor = window.Editor();
+        editor.moveCursor(QTextCursor::End);
+        QSignalSpy rescanned(&window, &MainWindow::rescanned);
+        for (const char* line : {"", "int AddedWhileTyping(int n)", "{", "    return n;", "}"}) {
+            QTest::keyClicks(&editor, line);
+            QTest::keyClick(&editor, Qt::Key_Return);
+        }
+        QCOMPARE(rescanned.count(), 0);  // not while the user is still typing
+        QVERIFY(rescanned.wait(5000));
+
+        globals = FindItem(tree, "Globals");
+        QVERIFY(globals);
+        tree->expandItem(globals);
+        QVERIFY(FindItem(tree, "AddedWhileTyping(int n)"));
+
+        // The status bar names the function that holds the cursor's line.
+        const int line = editor.document()->blockCount() - 2;
+        editor.GoToLine(line);
+        QVERIFY2(window.StatusText().contains("function AddedWhileTyping(int n)"), qPrintable(window.StatusText()));
+        QVERIFY(window.StatusText().contains("class Globals"));
+    }
+
+    void doubleClickingAFunctionOpensItsFileAtItsLine() {
+        MainWindow window;
+        window.show();
+        QVERIFY(window.OpenFolder(CopyExamples(dir_), false));
+        window.ExpandAllClasses();
+        QTreeWidget* tree = window.View().tree(0);
+        QTreeWidgetItem* function = nullptr;
+        for (QTreeWidgetItemIterator it(tree); *it && !function; ++it) {
+            if ((*it)->parent() && (*it)->parent()->text(0) == "Functions") function = *it;
+        }
+        QVERIFY(function);
+        tree->scrollToItem(function);
+        QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, CenterOf(tree, function));
+        QCOMPARE(window.View().control().WhatIsSelected(), kestrel::ST_METHOD);
+        QVERIFY(window.EditedFile());
+        const QString line = window.Editor().textCursor().block().text();
+        const QString name = function->text(0).section('(', 0, 0);
+        QVERIFY2(line.contains(name), qPrintable(line + " / " + name));
+    }
+
+    void theToolbarSwitchesBetweenClassesAndFiles() {
+        MainWindow window;
+        QVERIFY(window.OpenFolder(CopyExamples(dir_), false));
+        QAction* byFile = nullptr;
+        for (QAction* action : window.findChildren<QAction*>()) {
+            if (action->text() == "By File") byFile = action;
+        }
+        QVERIFY(byFile);
+        byFile->trigger();
+        QCOMPARE(window.View().viewStyle(), int(kestrel::prvFiles));
+        QCOMPARE(window.View().control().WhatIsSelected(), kestrel::ST_FILE);
+    }
+
+    void aSavedProjectOpensWithTheTimedLoaderAndABusyBar() {
+        QString projectFile;
+        {
+            MainWindow first;
+            QVERIFY(first.OpenFolder(CopyExamples(dir_), false));
+            QVERIFY(first.View().control().Save());
+            projectFile = QString::fromStdU16String(first.View().control().FileName());
+        }
+        MainWindow window;
+        window.show();
+        QVERIFY(window.OpenProject(projectFile, true));
+        QVERIFY(window.View().asyncLoad());
+        QVERIFY(window.View().loadTimer().isActive());
+        QProgressBar* busy = window.findChild<QProgressBar*>();
+        QVERIFY(busy && busy->isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(!window.View().loadTimer().isActive(), 10000);
+        QTRY_VERIFY(!busy->isVisible());
+
+        window.ExpandAllClasses();
+        QTreeWidgetItem* shape = FindItem(window.View().tree(0), "Shape");
+        QVERIFY(shape);
+        QCOMPARE(ChildTexts(shape), (QStringList{"Functions", "Variables"}));
+        QVERIFY(shape->child(0)->childCount() > 0);
+    }
+
+    void theScreenshotIsAPictureOfTheWholeWindow() {
+        const QString png = dir_.filePath("view.png");
+        QProcess program;
+        program.start(QStringLiteral(KESTREL_VIEW_PROGRAM),
+                      {"--screenshot", png, "--expand", CopyExamples(dir_)});
+        QVERIFY(program.waitForFinished(60000));
+        QCOMPARE(program.exitCode(), 0);
+        QVERIFY(QFileInfo(png).size() > 0);
+        QVERIFY(program.readAllStandardOutput().contains("view.png"));
+
+        const QImage picture(png);
+        QVERIFY(!picture.isNull());
+        const MainWindow window;
+        QCOMPARE(picture.size(), window.size());
+    }
+
+    void aMissingFolderFailsWithAMessage() {
+        QProcess program;
+        program.start(QStringLiteral(KESTREL_VIEW_PROGRAM),
+                      {"--screenshot", dir_.filePath("none.png"), dir_.filePath("no-such-folder")});
+        QVERIFY(program.waitForFinished(60000));
+        QCOMPARE(program.exitCode(), 1);
+        QVERIFY(program.readAllStandardError().contains("no-such-folder"));
+        QVERIFY(!QFileInfo::exists(dir_.filePath("none.png")));
+    }
+};
+
+QTEST_MAIN(KestrelViewTest)
+#include "kestrel_view_test.moc"

@@ -1,0 +1,90 @@
+// The pieces of the Qt platform layer on their own: the image list, the translation of
+// Qt's keys, modifiers and buttons into the events' codes, and the property bag.
+#include <QKeyEvent>
+#include <QSet>
+#include <QTest>
+
+#include "qt/image_list.h"
+#include "qt/input_codes.h"
+#include "qt/qt_property_bag.h"
+
+using kestrel::qt::ImageList;
+
+class PlatformPiecesTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void everyImageIsDrawnAndNoTwoLookAlike() {
+        QSet<QByteArray> seen;
+        for (int image = 1; image <= ImageList::kCount; ++image) {
+            const QImage picture = ImageList::Render(image, 1.0);
+            QCOMPARE(picture.size(), QSize(16, 16));
+            QVERIFY2(picture != QImage(16, 16, picture.format()), qPrintable(QString::number(image)));
+            const QByteArray bytes(reinterpret_cast<const char*>(picture.constBits()), picture.sizeInBytes());
+            QVERIFY2(!seen.contains(bytes), qPrintable(QString("image %1 repeats another").arg(image)));
+            seen.insert(bytes);
+        }
+    }
+
+    void highDensityScreensGetPicturesDrawnAtTheirOwnResolution() {
+        const QImage sharp = ImageList::Render(1, 2.0);
+        QCOMPARE(sharp.size(), QSize(32, 32));
+        QCOMPARE(sharp.devicePixelRatio(), 2.0);
+        const QIcon& icon = ImageList::Instance().Icon(6);
+        QCOMPARE(icon.availableSizes().size(), 3);
+        QVERIFY(ImageList::Instance().Icon(0).isNull());
+        QVERIFY(ImageList::Instance().Icon(ImageList::kCount + 1).isNull());
+    }
+
+    void keysBecomeVirtualKeyCodes_data() {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<int>("code");
+        QTest::newRow("letter") << int(Qt::Key_Q) << int(Qt::NoModifier) << 81;
+        QTest::newRow("digit") << int(Qt::Key_7) << int(Qt::NoModifier) << 55;
+        QTest::newRow("keypad digit") << int(Qt::Key_7) << int(Qt::KeypadModifier) << 103;
+        QTest::newRow("enter") << int(Qt::Key_Return) << int(Qt::NoModifier) << 13;
+        QTest::newRow("escape") << int(Qt::Key_Escape) << int(Qt::NoModifier) << 27;
+        QTest::newRow("arrow") << int(Qt::Key_Right) << int(Qt::NoModifier) << 39;
+        QTest::newRow("delete") << int(Qt::Key_Delete) << int(Qt::NoModifier) << 46;
+        QTest::newRow("F1") << int(Qt::Key_F1) << int(Qt::NoModifier) << 112;
+        QTest::newRow("F12") << int(Qt::Key_F12) << int(Qt::NoModifier) << 123;
+        QTest::newRow("semicolon") << int(Qt::Key_Semicolon) << int(Qt::NoModifier) << 186;
+        QTest::newRow("unknown") << int(Qt::Key_MediaPlay) << int(Qt::NoModifier) << 0;
+    }
+    void keysBecomeVirtualKeyCodes() {
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(int, code);
+        const QKeyEvent event(QEvent::KeyPress, key, Qt::KeyboardModifiers(modifiers));
+        QCOMPARE(int(kestrel::qt::KeyCodeOf(event)), code);
+    }
+
+    void theCharacterTypedAndTheBitSets() {
+        QCOMPARE(kestrel::qt::KeyAsciiOf(QKeyEvent(QEvent::KeyPress, Qt::Key_A, Qt::ShiftModifier, "A")), int16_t{65});
+        QCOMPARE(kestrel::qt::KeyAsciiOf(QKeyEvent(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier)), int16_t{0});
+        QCOMPARE(kestrel::qt::ShiftOf(Qt::ShiftModifier | Qt::AltModifier), int16_t{5});
+        QCOMPARE(kestrel::qt::ShiftOf(Qt::ControlModifier | Qt::MetaModifier), int16_t{2});
+        QCOMPARE(kestrel::qt::ButtonsOf(Qt::LeftButton | Qt::MiddleButton), int16_t{5});
+        QCOMPARE(kestrel::qt::ButtonsOf(Qt::RightButton | Qt::BackButton), int16_t{2});
+    }
+
+    void aStoredValueOfTheWrongKindReadsAsTheDefault() {
+        QVariantMap map{{"ViewStyle", "sideways"}, {"Font", 12}, {"Enabled", false}};
+        kestrel::qt::QtPropertyBag bag(map);
+        QCOMPARE(std::get<int32_t>(bag.ReadProperty("ViewStyle", int32_t{0})), 0);
+        const kestrel::Font fallback{u"DejaVu Sans", 9};
+        QCOMPARE(std::get<kestrel::Font>(bag.ReadProperty("Font", fallback)), fallback);
+        QCOMPARE(std::get<bool>(bag.ReadProperty("Enabled", true)), false);
+        QCOMPARE(std::get<bool>(bag.ReadProperty("AutoToolTip", true)), true);
+
+        // A default value is not stored, and storing it again removes an old value.
+        bag.WriteProperty("Enabled", true, true);
+        QVERIFY(!map.contains("Enabled"));
+        bag.WriteProperty("CreateBackup", true, false);
+        QCOMPARE(map.value("CreateBackup"), QVariant(true));
+    }
+};
+
+QTEST_MAIN(PlatformPiecesTest)
+#include "platform_pieces_test.moc"

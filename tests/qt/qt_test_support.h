@@ -1,0 +1,80 @@
+#pragma once
+// Helpers for driving the real widgets: source files on disk, finding tree items by
+// text, and mouse input delivered straight to a tree's viewport.
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QMouseEvent>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
+
+namespace kestrel::test {
+
+inline QString WriteSource(const QTemporaryDir& dir, const QString& name, const QByteArray& text) {
+    const QString path = dir.filePath(name);
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) qFatal("cannot write %s", qPrintable(path));
+    return path;
+}
+
+// The first item, in tree order, whose text is exactly `text`.
+inline QTreeWidgetItem* FindItem(QTreeWidget* tree, const QString& text) {
+    for (QTreeWidgetItemIterator it(tree); *it; ++it) {
+        if ((*it)->text(0) == text) return *it;
+    }
+    return nullptr;
+}
+
+inline QStringList ChildTexts(const QTreeWidgetItem* item) {
+    QStringList texts;
+    for (int i = 0; item && i < item->childCount(); ++i) texts << item->child(i)->text(0);
+    return texts;
+}
+
+inline QStringList TopTexts(const QTreeWidget* tree) {
+    QStringList texts;
+    for (int i = 0; i < tree->topLevelItemCount(); ++i) texts << tree->topLevelItem(i)->text(0);
+    return texts;
+}
+
+// Where an item is drawn; the tree lays its items out late, so that is done first.
+inline QPoint CenterOf(QTreeWidget* tree, QTreeWidgetItem* item) {
+    tree->doItemsLayout();
+    tree->scrollToItem(item);
+    return tree->visualItemRect(item).center();
+}
+
+inline void SendMouse(QTreeWidget* tree, QEvent::Type type, QPoint pos, Qt::MouseButton button = Qt::NoButton,
+                      Qt::MouseButtons held = Qt::NoButton) {
+    QWidget* viewport = tree->viewport();
+    QMouseEvent event(type, pos, viewport->mapToGlobal(pos), button, held, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &event);
+}
+
+// A header and an implementation of one small class, as an editor's project would hold.
+inline constexpr const char* kShapeHeader =
+    "class Shape {\n"
+    "public:\n"
+    "    Shape();\n"
+    "    double Area();\n"
+    "    void Move(int dx, int dy);\n"
+    "protected:\n"
+    "    int x;\n"
+    "private:\n"
+    "    void Reset();\n"
+    "    int y;\n"
+    "};\n";
+inline constexpr const char* kShapeSource =
+    "#include \"shape.h\"\n"
+    "Shape::Shape() {\n"
+    "}\n"
+    "double Shape::Area() {\n"
+    "    return 0;\n"
+    "}\n"
+    "int Helper(int n) {\n"
+    "    return n;\n"
+    "}\n";
+
+}  // namespace kestrel::test

@@ -1,0 +1,294 @@
+// The Qt widget driven as a user and a host would: files added, nodes expanded and
+// collapsed with the tree's own expansion, clicks, keys and mouse moves delivered to
+// the tree, properties stored and read back, entries loaded by the Qt timer.
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+#include <QToolTip>
+
+#include "common/constants.h"
+#include "model/all_files.h"
+#include "qt/tree_view_widget.h"
+#include "qt_test_support.h"
+
+using kestrel::qt::TreeViewWidget;
+using namespace kestrel::test;
+
+class TreeViewWidgetTest : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir dir_;
+    std::unique_ptr<TreeViewWidget> view_;
+
+    QTreeWidget* ClassTree() const { return view_->tree(0); }
+
+    // The display shows exactly the control's nodes, in the control's order: walks the
+    // node structure and the QTreeWidget side by side.
+    static void CompareWithDisplay(kestrel::PlatformTree& nodes, kestrel::NodeId parent, QTreeWidget* tree,
+                                   QTreeWidgetItem* item) {
+        int index = 0;
+        for (kestrel::NodeId n = nodes.FirstChild(parent); n != kestrel::kNoNode; n = nodes.NextSibling(n), ++index) {
+            QTreeWidgetItem* shown = item ? item->child(index) : tree->topLevelItem(index);
+            QVERIFY(shown);
+            QCOMPARE(shown->text(0), QString::fromStdU16String(nodes.Text(n)));
+            QCOMPARE(shown->isExpanded(), nodes.Expanded(n));
+            CompareWithDisplay(nodes, n, tree, shown);
+        }
+        QCOMPARE(item ? item->childCount() : tree->topLevelItemCount(), index);
+    }
+
+    // A project holding the shape header, with the widget shown at a usable size.
+    void OpenShapeProject() {
+        view_->control().NewProject(dir_.filePath("demo.kpr").toStdU16String(), kestrel::LANGUAGE_C, 1);
+        view_->files()->Add(WriteSource(dir_, "shape.h", kShapeHeader).toStdU16String(), kestrel::FILETYPE_DEFINITION);
+        view_->resize(320, 480);
+        view_->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view_.get()));
+        ClassTree()->expandItem(ClassTree()->topLevelItem(0));
+    }
+
+private slots:
+    void init() {
+        QVERIFY(dir_.isValid());
+        view_ = std::make_unique<TreeViewWidget>();
+    }
+    void cleanup() { view_.reset(); }
+
+    void anAddedFileGetsItsNodesInBothTrees() {
+        OpenShapeProject();
+        QCOMPARE(TopTexts(ClassTree()), QStringList{"demo"});
+        QTreeWidgetItem* shape = FindItem(ClassTree(), "Shape");
+        QVERIFY(shape);
+        // A class met while scanning gets its folders at once, functions before variables.
+        QCOMPARE(ChildTexts(shape), (QStringList{"Functions", "Variables"}));
+        QCOMPARE(ChildTexts(shape->child(0)), (QStringList{"Area()", "Move(int dx, int dy)", "Reset()", "Shape()"}));
+        QCOMPARE(ChildTexts(shape->child(1)), (QStringList{"int x", "int y"}));
+        QVERIFY(!shape->icon(0).isNull());
+
+        QTreeWidget* files = view_->tree(1);
+        QCOMPARE(TopTexts(files), QStringList{"demo"});
+        QCOMPARE(ChildTexts(files->topLevelItem(0)), QStringList{"Definition"});
+        QCOMPARE(ChildTexts(files->topLevelItem(0)->child(0)), QStringList{"shape.h"});
+    }
+
+    void theDisplayKeepsTheControlsOrderThroughAddsAndRemovals() {
+        view_->control().NewProject(dir_.filePath("order.kpr").toStdU16String(), kestrel::LANGUAGE_C, 1);
+        const QString first = WriteSource(dir_, "first.h", "class beta {\n public:\n void zed();\n void Alpha();\n};\n");
+        view_->files()->Add(first.toStdU16String(), kestrel::FILETYPE_DEFINITION);
+        view_->files()->Add(WriteSource(dir_, "second.cpp", "class Alpha {\n int b;\n int a;\n};\nvoid gamma() {\n}\n").toStdU16String(),
+                            kestrel::FILETYPE_IMPLEMENTATION);
+        view_->files()->Add(WriteSource(dir_, "third.h", "class gamma {\n};\n").toStdU16String(), kestrel::FILETYPE_DEFINITION);
+        ClassTree()->expandItem(ClassTree()->topLevelItem(0));
+        for (int index : {0, 1}) CompareWithDisplay(view_->control().tView(index), kestrel::kNoNode, view_->tree(index), nullptr);
+        QCOMPARE(ChildTexts(ClassTree()->topLevelItem(0)), (QStringList{"Alpha", "beta", "Globals"}));
+
+        view_->files()->Remove(first.toStdU16String());
+        for (int index : {0, 1}) CompareWithDisplay(view_->control().tView(index), kestrel::kNoNode, view_->tree(index), nullptr);
+        QCOMPARE(ChildTexts(ClassTree()->topLevelItem(0)), (QStringList{"Alpha", "Globals"}));
+    }
+
+    void theHourglassIsTheApplicationsWaitCursorAndTheHandleIsTheWidgets() {
+        view_->control().MousePointer(kestrel::kPointerHourglass);
+        QVERIFY(QApplication::overrideCursor());
+        QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        view_->control().MousePointer(kestrel::kPointerHourglass);
+        view_->control().MousePointer(kestrel::kPointerDefault);
+        QVERIFY(!QApplication::overrideCursor());
+        QCOMPARE(view_->control().hWnd(), static_cast<std::intptr_t>(view_->winId()));
+        QVERIFY(view_->control().hWnd() != 0);
+    }
+
+    void collapsingGivesThePlaceholderBackAndExpandingFillsTheNodeAgain() {
+        OpenShapeProject();
+        QTreeWidgetItem* shape = FindItem(ClassTree(), "Shape");
+        ClassTree()->expandItem(shape);
+        ClassTree()->collapseItem(shape);
+        QCOMPARE(ChildTexts(shape), QStringList{"|"});
+        QVERIFY(!shape->isExpanded());
+
+        ClassTree()->expandItem(shape);
+        QCOMPARE(ChildTexts(shape), (QStringList{"Functions", "Variables"}));
+        QCOMPARE(ChildTexts(shape->child(0)).size(), 4);
+        QCOMPARE(shape->child(1)->childCount(), 2);
+        // Folders, scopes and kinds are told apart by their pictures.
+        const auto picture = [](QTreeWidgetItem* item) { return item->icon(0).pixmap(16).toImage(); };
+        QTreeWidgetItem* functions = shape->child(0);
+        QVERIFY(picture(functions) != picture(functions->child(0)));         // folder, public function
+        QVERIFY(picture(functions->child(0)) != picture(functions->child(2)));  // public, private
+        QVERIFY(picture(shape->child(1)->child(0)) != picture(shape->child(1)->child(1)));  // protected, private
+    }
+
+    void clicksAndKeysReachTheHost() {
+        OpenShapeProject();
+        QStringList heard;
+        connect(view_.get(), &TreeViewWidget::MouseDown, [&](qint16& b, qint16&, float&, float&) { heard << QString("down %1").arg(b); });
+        connect(view_.get(), &TreeViewWidget::MouseUp, [&](qint16& b, qint16&, float&, float&) { heard << QString("up %1").arg(b); });
+        connect(view_.get(), &TreeViewWidget::Click, [&] { heard << "click"; });
+        connect(view_.get(), &TreeViewWidget::DblClick, [&] { heard << "dblclick"; });
+        connect(view_.get(), &TreeViewWidget::KeyDown, [&](qint16& k, qint16& s) { heard << QString("keydown %1 %2").arg(k).arg(s); });
+        connect(view_.get(), &TreeViewWidget::KeyPress, [&](qint16& a) { heard << QString("keypress %1").arg(a); });
+        connect(view_.get(), &TreeViewWidget::KeyUp, [&](qint16& k, qint16& s) { heard << QString("keyup %1 %2").arg(k).arg(s); });
+
+        QTreeWidgetItem* shape = FindItem(ClassTree(), "Shape");
+        QTest::mouseClick(ClassTree()->viewport(), Qt::LeftButton, {}, CenterOf(ClassTree(), shape));
+        QCOMPARE(heard, (QStringList{"down 1", "up 1", "click"}));
+        // The click has selected the node by the time the host hears of it.
+        QCOMPARE(view_->control().WhatIsSelected(), kestrel::ST_CLASS);
+
+        heard.clear();
+        QTest::mouseDClick(ClassTree()->viewport(), Qt::LeftButton, {}, CenterOf(ClassTree(), shape));
+        QCOMPARE(heard.count("dblclick"), 1);
+        QVERIFY(heard.count("click") <= 1);
+
+        heard.clear();
+        QTest::keyClick(ClassTree(), Qt::Key_Up, Qt::ShiftModifier);
+        QCOMPARE(heard, (QStringList{"keydown 16 1", "keydown 38 1", "keyup 38 1", "keyup 16 0"}));
+        heard.clear();
+        QTest::keyClick(ClassTree(), Qt::Key_A);
+        QCOMPARE(heard, (QStringList{"keydown 65 0", "keypress 97", "keyup 65 0"}));
+    }
+
+    void aHostThatClearsTheKeyCodeKeepsTheKeyFromTheTree() {
+        OpenShapeProject();
+        QTreeWidgetItem* shape = FindItem(ClassTree(), "Shape");
+        ClassTree()->setCurrentItem(shape);
+        connect(view_.get(), &TreeViewWidget::KeyDown, [](qint16& keyCode, qint16&) { keyCode = 0; });
+        QTest::keyClick(ClassTree(), Qt::Key_Up);
+        QCOMPARE(ClassTree()->currentItem(), shape);
+    }
+
+    void movingOverAnEntryWithUserTextRaisesToolTipChangedOnce() {
+        OpenShapeProject();
+        view_->setAutoToolTip(true);
+        view_->files()->item(1)->GetClass(u"Shape")->func(u"AREA()")->UserData = u"the area in square units";
+        // Refilling the class node carries the new user text into the entry's tag.
+        QTreeWidgetItem* shape = FindItem(ClassTree(), "Shape");
+        ClassTree()->expandItem(shape);
+        ClassTree()->collapseItem(shape);
+        ClassTree()->expandItem(shape);
+        QTreeWidgetItem* area = FindItem(ClassTree(), "Area()");
+        QVERIFY(area);
+        QSignalSpy tips(view_.get(), &TreeViewWidget::ToolTipChanged);
+        int moves = 0;
+        connect(view_.get(), &TreeViewWidget::MouseMove, [&] { ++moves; });
+
+        const QPoint onArea = CenterOf(ClassTree(), area);
+        SendMouse(ClassTree(), QEvent::MouseMove, onArea);
+        SendMouse(ClassTree(), QEvent::MouseMove, onArea + QPoint(3, 1));
+        QCOMPARE(tips.count(), 1);
+        QCOMPARE(tips.at(0).at(0).toString(), QString("the area in square units"));
+        // Resting there shows the tree's tool tip.
+        QHelpEvent rest(QEvent::ToolTip, onArea, ClassTree()->viewport()->mapToGlobal(onArea));
+        QApplication::sendEvent(ClassTree()->viewport(), &rest);
+        QCOMPARE(QToolTip::text(), QString("the area in square units"));
+
+        // With a button held the tip stays as it is.
+        const QPoint below(10, ClassTree()->viewport()->height() - 2);
+        SendMouse(ClassTree(), QEvent::MouseMove, below, Qt::NoButton, Qt::LeftButton);
+        QCOMPARE(tips.count(), 1);
+        SendMouse(ClassTree(), QEvent::MouseMove, below);
+        QCOMPARE(tips.count(), 2);
+        QCOMPARE(tips.at(1).at(0).toString(), QString());
+        QCOMPARE(moves, 4);
+    }
+
+    void viewStyleSwitchesTheVisibleTree() {
+        OpenShapeProject();
+        QSignalSpy changes(view_.get(), &TreeViewWidget::propertyChanged);
+        QVERIFY(view_->tree(0)->isVisible());
+        QVERIFY(!view_->tree(1)->isVisible());
+        view_->setViewStyle(kestrel::prvFiles);
+        QVERIFY(!view_->tree(0)->isVisible());
+        QVERIFY(view_->tree(1)->isVisible());
+        QCOMPARE(view_->tree(1)->geometry(), view_->rect());
+        QCOMPARE(view_->control().WhatIsSelected(), kestrel::ST_FILE);
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(changes.at(0).at(0).toString(), QString("ViewStyle"));
+        view_->setProperty("ViewStyle", kestrel::prvClasses);
+        QVERIFY(view_->tree(0)->isVisible());
+        QVERIFY(!view_->tree(1)->isVisible());
+    }
+
+    void timedLoadingFillsTheTreeInPortionsAsTheTimerRuns() {
+        QByteArray big = "class Big {\npublic:\n";
+        for (int i = 1; i <= 45; ++i) big += QByteArray("    void f") + QByteArray::number(i).rightJustified(2, '0') + "();\n";
+        big += "};\n";
+        const QString project = dir_.filePath("big.kpr");
+        view_->control().NewProject(project.toStdU16String(), kestrel::LANGUAGE_C, 7);
+        view_->files()->Add(WriteSource(dir_, "big.h", big).toStdU16String(), kestrel::FILETYPE_DEFINITION);
+        QVERIFY(view_->control().Save());
+
+        auto loaded = std::make_unique<TreeViewWidget>();
+        loaded->setAsyncLoad(true);
+        QVERIFY(loaded->control().Load(project.toStdU16String()));
+        QVERIFY(loaded->loadTimer().isActive());
+        QTreeWidget* tree = loaded->tree(0);
+        QTreeWidgetItem* bigNode = FindItem(tree, "Big");
+        QVERIFY(bigNode);
+        // Expanding while the loader runs queues the entries instead of adding them.
+        tree->expandItem(bigNode);
+        QCOMPARE(bigNode->childCount(), 0);
+
+        QList<int> portions;
+        connect(&loaded->loadTimer(), &QTimer::timeout, [&] {
+            QTreeWidgetItem* folder = FindItem(tree, "Functions");
+            portions << (folder ? folder->childCount() : 0);
+        });
+        QTRY_VERIFY_WITH_TIMEOUT(!loaded->loadTimer().isActive(), 5000);
+        QCOMPARE(portions, (QList<int>{20, 40, 45}));
+        QCOMPARE(ChildTexts(FindItem(tree, "Functions")).first(), QString("f01()"));
+    }
+
+    void propertiesRoundTripThroughAMapAndASettingsGroup() {
+        view_->setViewStyle(kestrel::prvFiles);
+        view_->setAutoToolTip(true);
+        view_->setCreateBackup(true);
+        view_->setAsyncLoad(true);
+        QFont font("DejaVu Sans Mono", 11);
+        font.setBold(true);
+        view_->setTreeFont(font);
+        view_->setTreeEnabled(false);
+
+        const QVariantMap map = view_->writeProperties();
+        TreeViewWidget fromMap;
+        fromMap.readProperties(map);
+
+        QSettings settings(dir_.filePath("host.ini"), QSettings::IniFormat);
+        view_->writeProperties(settings, "ClassView");
+        settings.sync();
+        QSettings reread(dir_.filePath("host.ini"), QSettings::IniFormat);
+        TreeViewWidget fromSettings;
+        fromSettings.readProperties(reread, "ClassView");
+
+        for (TreeViewWidget* copy : {&fromMap, &fromSettings}) {
+            QCOMPARE(copy->viewStyle(), int(kestrel::prvFiles));
+            QVERIFY(copy->autoToolTip());
+            QVERIFY(copy->createBackup());
+            QVERIFY(copy->asyncLoad());
+            QVERIFY(!copy->treeEnabled());
+            QCOMPARE(copy->treeFont().family(), QString("DejaVu Sans Mono"));
+            QCOMPARE(copy->treeFont().pointSize(), 11);
+            QVERIFY(copy->treeFont().bold());
+            QCOMPARE(copy->tree(1)->font().family(), QString("DejaVu Sans Mono"));
+        }
+    }
+
+    void anEmptyBagGivesTheDefaultsAndTheHostsFont() {
+        QWidget host;
+        host.setFont(QFont("DejaVu Serif", 13));
+        auto* view = new TreeViewWidget(&host);
+        view->readProperties(QVariantMap());
+        QCOMPARE(view->viewStyle(), int(kestrel::prvClasses));
+        QVERIFY(view->treeEnabled());
+        QVERIFY(!view->asyncLoad());
+        QVERIFY(!view->autoToolTip());
+        QCOMPARE(view->treeFont().family(), QString("DejaVu Serif"));
+        // Defaults, the ambient font among them, are not stored.
+        QVERIFY(view->writeProperties().isEmpty());
+    }
+};
+
+QTEST_MAIN(TreeViewWidgetTest)
+#include "tree_view_widget_test.moc"
