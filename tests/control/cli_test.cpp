@@ -1,54 +1,26 @@
 // The project commands of the real kestrel program, run as a user would.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
+
+#include "support/scratch.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-std::string ReadAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using namespace kestrel::test;
 
 class Cli : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "kestrel-cli-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        dir = pattern;
-    }
-    void TearDown() override {
-        std::error_code ec;
-        fs::remove_all(dir, ec);
-    }
-
-    // Runs kestrel with the arguments (already quoted for the shell) in the scratch folder.
-    Outcome Kestrel(const std::string& args) {
-        const fs::path out = dir / "stdout", err = dir / "stderr";
-        const std::string command = "cd '" + dir.string() + "' && '" KESTREL_BINARY_DIR "/tools/kestrel' " + args +
-                                    " >'" + out.string() + "' 2>'" + err.string() + "' </dev/null";
-        const int raw = std::system(command.c_str());
-        return Outcome{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ReadAll(out), ReadAll(err)};
-    }
-    static std::string Golden(const std::string& name) { return ReadAll(fs::path(KESTREL_SOURCE_DIR) / "tests/golden" / name); }
+    // Runs kestrel in the scratch folder.
+    Outcome Kestrel(const std::string& args) { return RunKestrel(dir, args); }
     static std::string Examples() { return "'" KESTREL_SOURCE_DIR "/examples'"; }
 
-    fs::path dir;
+    ScratchDir scratch;
+    const fs::path& dir = scratch.path();
 };
 
 TEST_F(Cli, NewThenTreeExpandedOverTheExamples) {
@@ -142,7 +114,7 @@ TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {
         EXPECT_EQ(run.err, c.message) << c.args;
     }
     EXPECT_FALSE(fs::exists(dir / "p.kpr"));  // nothing half made
-    EXPECT_EQ(ReadAll(dir / "bad.kpr"), "not a project");
+    EXPECT_EQ(ReadFileBytes(dir / "bad.kpr"), "not a project");
 }
 
 TEST_F(Cli, EveryProjectCommandHasHelp) {

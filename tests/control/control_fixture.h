@@ -3,7 +3,6 @@
 // and helpers that read the trees back as text.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -16,21 +15,13 @@
 #include "control/tree_view.h"
 #include "model/all_files.h"
 #include "support/error_capture.h"
+#include "support/scratch.h"
 
 namespace kestrel::test {
 
 class ControlTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::string pattern = (std::filesystem::temp_directory_path() / "kestrel-control-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        dir = pattern;
-    }
-    void TearDown() override {
-        view.reset();
-        std::error_code ec;
-        std::filesystem::remove_all(dir, ec);
-    }
+    void TearDown() override { view.reset(); }
 
     // Writes a source file into the scratch folder and answers its full name.
     std::u16string Write(const std::string& name, const std::string& content) {
@@ -85,10 +76,11 @@ protected:
         return item;
     }
 
+    ScratchDir scratch;
+    const std::filesystem::path& dir = scratch.path();
     ErrorCapture errors;
     mutable MemoryPlatform platform;
     std::shared_ptr<TreeView> view = TreeView::Create(platform.Get());
-    std::filesystem::path dir;
 
 private:
     static void AppendOutline(const MemoryTree& t, NodeId node, int depth, bool keys, std::string& out) {

@@ -1,21 +1,10 @@
 // The control driven the way a host editor drives it, from a new project to a
 // project loaded back in the background.
 #include "control_fixture.h"
-#include "scanner/scan_output.h"
+#include "support/text_lines.h"
 
 namespace kestrel::test {
 namespace {
-
-// The text of an editor buffer that has not been saved to disk.
-class EditorText : public LineSource {
-public:
-    explicit EditorText(std::vector<std::u16string> lines) : lines_(std::move(lines)) {}
-    int32_t GetLineCount() override { return static_cast<int32_t>(lines_.size()); }
-    std::u16string Line(int32_t n) override { return lines_.at(n - 1); }
-
-private:
-    std::vector<std::u16string> lines_;
-};
 
 std::vector<NodeId> ClassNodes(const MemoryTree& tree) {
     std::vector<NodeId> nodes;
@@ -63,7 +52,7 @@ TEST_F(Scenario, NewAddQueryEditSaveCloseLoadInTheBackgroundAndExpand) {
 
     // The host tags the function, then the user edits the file without saving it.
     draw->UserData = u"drawn on every paint";
-    EditorText edited({u"void CView::Draw(int mode)", u"{", u"}", u"void CView::Erase()", u"{", u"}"});
+    TextLines edited{u"void CView::Draw(int mode)", u"{", u"}", u"void CView::Erase()", u"{", u"}"};
     source->UpdateEmbeededFile(edited);
     EXPECT_NE(Node(u"!!CView::ERASE()"), kNoNode);
     EXPECT_EQ(Node(u"!!Globals::HELPER(VOID)"), kNoNode);

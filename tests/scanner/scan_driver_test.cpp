@@ -1,8 +1,6 @@
 // Whole scans through the driver: files on disk, host line sources, reuse and dumps.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -12,39 +10,27 @@
 #include "scanner/quillbox.h"
 #include "support/error_capture.h"
 #include "support/scan_recorder.h"
+#include "support/scratch.h"
+#include "support/text_lines.h"
 
 using namespace kestrel;
 using test::ScanBytes;
 using test::ScanRecorder;
-using test::TempFile;
 using Calls = std::vector<std::string>;
 
 namespace {
 
-class HostLines : public LineSource {
-public:
-    explicit HostLines(std::vector<std::u16string> lines) : lines_(std::move(lines)) {}
-    int32_t GetLineCount() override { return static_cast<int32_t>(lines_.size()); }
-    std::u16string Line(int32_t n) override {
-        asked.push_back(n);
-        return lines_.at(static_cast<size_t>(n - 1));
+// A scanner that keeps the line dump it had just before the block pass.
+struct DumpingScanner : clsQuillbox {
+    std::string dump;
+    DumpingScanner() {
+        SetBeforeBlockPass([this](const clsQuillbox& q) {
+            std::ostringstream out;
+            WriteLineDump(out, q.Lines(), q.LineCount());
+            dump = out.str();
+        });
     }
-    std::vector<int32_t> asked;
-
-private:
-    std::vector<std::u16string> lines_;
 };
-
-std::string LinesOf(const clsQuillbox& q) {
-    std::ostringstream out;
-    WriteLineDump(out, q.Lines(), q.LineCount());
-    return out.str();
-}
-
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 }  // namespace
 
@@ -62,21 +48,12 @@ TEST(ParseFile, AMissingFileLeavesTheOutputUntouched) {
 }
 
 TEST(ParseFile, StoresTheExtraEmptyLineAndCleansEveryLine) {
-    TempFile file("a\n\t b  c\n");
-    ScanRecorder out(file.name());
-    clsQuillbox q;
-    std::string dump;
-    q.SetBeforeBlockPass([&](const clsQuillbox& s) { dump = LinesOf(s); });
-    EXPECT_TRUE(q.ParseFile(out, LANGUAGE_C));
-    EXPECT_EQ(dump, "1 -- a\n2 -- b c\n3 -- \n");
+    DumpingScanner q;
+    ScanBytes("a\n\t b  c\n", LANGUAGE_C, &q);
+    EXPECT_EQ(q.dump, "1 -- a\n2 -- b c\n3 -- \n");
     EXPECT_EQ(q.LineCount(), 3);
-
-    TempFile empty("");
-    ScanRecorder none(empty.name());
-    q.SetBeforeBlockPass([&](const clsQuillbox& s) { dump = LinesOf(s); });
-    EXPECT_TRUE(q.ParseFile(none, LANGUAGE_C));
-    EXPECT_EQ(dump, "1 -- \n");
-    EXPECT_TRUE(none.calls.empty());
+    EXPECT_TRUE(ScanBytes("", LANGUAGE_C, &q).empty());
+    EXPECT_EQ(q.dump, "1 -- \n");
 }
 
 TEST(ParseFile, LongFilesKeepEveryLine) {
@@ -117,12 +94,10 @@ TEST(ParseFile, JavaAndCDifferOnlyInLinkageBlocks) {
     EXPECT_EQ(ScanBytes(text, LANGUAGE_JAVA), Calls{});
 }
 
-TEST(ParseFile, MultiLineParameterListsCollectNothingFromConsumedLines) {
-    Calls calls = ScanBytes("void Move(int dx,\n          int dy);\n");
-    EXPECT_EQ(calls, (Calls{"declare\t1\t0\t::Move\t()"}));
-}
-
-TEST(ParseFile, AfterAnErrorInTheBlockPassLaterLinesFeedTheParameterCollector) {
+TEST(ParseFile, ParameterListsReadLinesTheBlockPassLeftBehind) {
+    // Normally the continuation lines are consumed: nothing is collected from them.
+    EXPECT_EQ(ScanBytes("void Move(int dx,\n          int dy);\n"), (Calls{"declare\t1\t0\t::Move\t()"}));
+    // After an error in the block pass the later lines keep their text and are read.
     test::ErrorCapture capture;
     Calls calls = ScanBytes("void Move(int dx,\nclass A\xC4\x81{\nint dy);\n");
     EXPECT_EQ(calls, (Calls{"declare\t1\t0\t::Move\t(int dx,class A\u0101{int dy)"}));
@@ -131,7 +106,7 @@ TEST(ParseFile, AfterAnErrorInTheBlockPassLaterLinesFeedTheParameterCollector) {
 }
 
 TEST(ParseEmbeededFile, ScansTheHostsLines) {
-    HostLines host({u"class A", u"{", u"public:", u"\tint Get() const;", u"};"});
+    test::TextLines host{u"class A", u"{", u"public:", u"\tint Get() const;", u"};"};
     ScanRecorder out(u"buffer");
     clsQuillbox q;
     EXPECT_TRUE(q.ParseEmbeededFile(out, LANGUAGE_C, host));
@@ -139,42 +114,33 @@ TEST(ParseEmbeededFile, ScansTheHostsLines) {
 }
 
 TEST(ParseEmbeededFile, AHostLineWithALineFeedMakesTheFollowingLinesSkipAhead) {
-    HostLines host({u"int a;", u"int b;", u"int c;\nint d;", u"int skipped;", u"int e;", u"int f;"});
+    test::TextLines host{u"int a;", u"int b;", u"int c;\nint d;", u"int skipped;", u"int e;", u"int f;"};
     ScanRecorder out(u"buffer");
-    clsQuillbox q;
-    std::string dump;
-    q.SetBeforeBlockPass([&](const clsQuillbox& s) { dump = LinesOf(s); });
+    DumpingScanner q;
     EXPECT_TRUE(q.ParseEmbeededFile(out, LANGUAGE_C, host));
     EXPECT_EQ(host.asked, (std::vector<int32_t>{1, 2, 3, 5, 6}));
-    EXPECT_EQ(dump, "1 -- int a;\n2 -- int b;\n3 -- int c;\n4 -- int d;\n5 -- int e;\n6 -- int f;\n");
+    EXPECT_EQ(q.dump, "1 -- int a;\n2 -- int b;\n3 -- int c;\n4 -- int d;\n5 -- int e;\n6 -- int f;\n");
     EXPECT_EQ(out.calls.size(), 6u);
     EXPECT_EQ(out.calls[3], "variable\t4\t0\t::d\tint");
-}
 
-TEST(ParseEmbeededFile, ATrailingLineFeedGivesAnEmptyLine) {
-    HostLines host({u"int a;\n"});
-    ScanRecorder out(u"buffer");
-    clsQuillbox q;
-    std::string dump;
-    q.SetBeforeBlockPass([&](const clsQuillbox& s) { dump = LinesOf(s); });
-    q.ParseEmbeededFile(out, LANGUAGE_C, host);
-    EXPECT_EQ(dump, "1 -- int a;\n2 -- \n");
+    test::TextLines trailing{u"int a;\n"};
+    q.ParseEmbeededFile(out, LANGUAGE_C, trailing);
+    EXPECT_EQ(q.dump, "1 -- int a;\n2 -- \n");
 }
 
 TEST(DebugDumps, WriteTheFixedFilesOfTheCurrentDirectory) {
     namespace fs = std::filesystem;
-    fs::path dir = fs::temp_directory_path() / ("kestrel-dump-" + std::to_string(::getpid()));
-    fs::create_directories(dir);
+    test::ScratchDir dir;
     fs::path previous = fs::current_path();
-    fs::current_path(dir);
+    fs::current_path(dir.path());
     {
         test::ErrorCapture capture;
         clsQuillbox q;
         q.DebugFile();  // nothing scanned yet: an empty dump
-        EXPECT_EQ(ReadFile("c:\\debug.txt"), "");
+        EXPECT_EQ(test::ReadFileBytes("c:\\debug.txt"), "");
         ScanBytes("class CFoo\n{\npublic:\nint Count;\n};\n", LANGUAGE_C, &q);
         q.DebugResult();
-        EXPECT_EQ(ReadFile("c:\\debug_result.txt"),
+        EXPECT_EQ(test::ReadFileBytes("c:\\debug_result.txt"),
                   "Line:3,Class:CFoo,Scope:1 -- public:\n"
                   "Line:4,Class:CFoo,Scope:1 -- int Count\n"
                   "Line:5,Class:CFoo,Scope:253 -- \u00ABEND\u00BFCLASS\u00BB\n"
@@ -185,5 +151,4 @@ TEST(DebugDumps, WriteTheFixedFilesOfTheCurrentDirectory) {
         EXPECT_EQ(capture.reports[0].title, "Sub DebugFile");
     }
     fs::current_path(previous);
-    fs::remove_all(dir);
 }

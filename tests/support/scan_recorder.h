@@ -12,6 +12,7 @@
 #include "common/text.h"
 #include "scanner/quillbox.h"
 #include "scanner/scan_output.h"
+#include "scanner/syntax.h"
 
 namespace kestrel::test {
 
@@ -65,6 +66,24 @@ public:
 private:
     std::string path_;
 };
+
+// The table of `language` as the scanner makes it for a file of `fileType`.
+inline SyntaxTable SyntaxOf(int16_t language, int32_t fileType = FILETYPE_IMPLEMENTATION) {
+    ScanRecorder file(u"x", fileType);
+    SyntaxTable syntax;
+    syntax.MakeSyntax(file, language);
+    return syntax;
+}
+
+// The scanner's line arrays count from 1: runs `pass` over `lines` with an unused
+// line 0 in front, and answers the lines as the pass left them.
+template <class Pass>
+std::vector<std::u16string> WithLineZero(std::vector<std::u16string> lines, Pass&& pass) {
+    lines.insert(lines.begin(), u"");
+    pass(lines, static_cast<int32_t>(lines.size() - 1));
+    lines.erase(lines.begin());
+    return lines;
+}
 
 // Scans `bytes` written to a file; the recorded calls.
 inline std::vector<std::string> ScanBytes(const std::string& bytes, int16_t language = LANGUAGE_C,
