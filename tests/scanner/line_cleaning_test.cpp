@@ -9,42 +9,36 @@
 #include "support/scan_recorder.h"
 
 using namespace kestrel;
+using Lines = std::vector<std::u16string>;
 
 namespace {
 
-std::u16string Clean(std::u16string s) { return CleanLine(s); }
-
-std::vector<std::u16string> WithoutComments(std::vector<std::u16string> lines, int16_t language = LANGUAGE_C) {
-    test::ScanRecorder file;
-    SyntaxTable syntax;
-    syntax.MakeSyntax(file, language);
-    lines.insert(lines.begin(), u"");
-    RemoveComments(lines, static_cast<int32_t>(lines.size() - 1), syntax);
-    lines.erase(lines.begin());
-    return lines;
+Lines WithoutComments(Lines lines, int16_t language = LANGUAGE_C) {
+    const SyntaxTable syntax = test::SyntaxOf(language);
+    return test::WithLineZero(std::move(lines), [&](Lines& all, int32_t count) { RemoveComments(all, count, syntax); });
 }
-
-using Lines = std::vector<std::u16string>;
 
 }  // namespace
 
 TEST(CleanLine, CollapsesWhiteSpaceAndDropsLeadingBlanks) {
-    EXPECT_EQ(Clean(u"\t\tint  x ;"), u"int x ;");
-    EXPECT_EQ(Clean(u"   "), u"");
-    EXPECT_EQ(Clean(u"a \t b\t"), u"a b ");
-    EXPECT_EQ(Clean(u""), u"");
-    EXPECT_EQ(Clean(u"x\r\v"), u"x\r\v");
+    for (auto [line, cleaned] : {std::pair<std::u16string, std::u16string>{u"\t\tint  x ;", u"int x ;"},
+                                 {u"   ", u""},
+                                 {u"a \t b\t", u"a b "},
+                                 {u"", u""},
+                                 {u"x\r\v", u"x\r\v"}})
+        EXPECT_EQ(CleanLine(line), cleaned);
 }
 
-TEST(RemoveComments, OneLineCommentKeepsTheBlankBeforeIt) {
-    EXPECT_EQ(WithoutComments({u"int a; // note"}), (Lines{u"int a; "}));
-}
-
-TEST(RemoveComments, BlockCommentsAreCutOutInOrder) {
+TEST(RemoveComments, CutsOneLineAndBlockCommentsInOrder) {
+    EXPECT_EQ(WithoutComments({u"int a; // note"}), (Lines{u"int a; "}));  // the blank before stays
     EXPECT_EQ(WithoutComments({u"int a; /* x */ int b;"}), (Lines{u"int a;  int b;"}));
     EXPECT_EQ(WithoutComments({u"x = 1; /* a */ // b"}), (Lines{u"x = 1;  "}));
     EXPECT_EQ(WithoutComments({u"a/**/b/**/c/* x */d"}), (Lines{u"abcd"}));
     EXPECT_EQ(WithoutComments({u"a // b /* c"}), (Lines{u"a "}));
+    // The closing marker is searched from one character after the opening one.
+    EXPECT_EQ(WithoutComments({u"a/*/b", u"c"}), (Lines{u"ab", u"c"}));
+    // Strings are not known here.
+    EXPECT_EQ(WithoutComments({u"s = \"http://x\";"}), (Lines{u"s = \"http:"}));
 }
 
 TEST(RemoveComments, ABlockCommentSpansLines) {
@@ -53,14 +47,6 @@ TEST(RemoveComments, ABlockCommentSpansLines) {
               (Lines{u"a ", u"", u" b ", u"", u" c "}));
     // A comment left open empties everything after it.
     EXPECT_EQ(WithoutComments({u"int a; /* never closed", u"int b;"}), (Lines{u"int a; ", u""}));
-}
-
-TEST(RemoveComments, TheClosingMarkerIsSearchedFromOneCharacterAfterTheOpeningOne) {
-    EXPECT_EQ(WithoutComments({u"a/*/b", u"c"}), (Lines{u"ab", u"c"}));
-}
-
-TEST(RemoveComments, KnowsNothingOfStrings) {
-    EXPECT_EQ(WithoutComments({u"s = \"http://x\";"}), (Lines{u"s = \"http:"}));
 }
 
 TEST(RemoveComments, BasicHasOnlyOneLineComments) {

@@ -27,14 +27,11 @@ using Lines = std::vector<std::u16string>;
 
 }  // namespace
 
-TEST(Loader, EveryFileEndsWithOneExtraEmptyLine) {
+TEST(Loader, LinesEndAtCrLfCrOrLfAndEveryFileEndsWithOneExtraEmptyLine) {
     EXPECT_EQ(ReadAllLines("a\nb"), (Lines{u"a", u"b", u""}));
     EXPECT_EQ(ReadAllLines("a\nb\n"), (Lines{u"a", u"b", u""}));
     EXPECT_EQ(ReadAllLines(""), (Lines{u""}));
     EXPECT_EQ(ReadAllLines("\n"), (Lines{u"", u""}));
-}
-
-TEST(Loader, LinesEndAtCrLfCrOrLf) {
     EXPECT_EQ(ReadAllLines("a\r\nb\rc\nd\r\r\ne"), (Lines{u"a", u"b", u"c", u"d", u"", u"e", u""}));
 }
 
