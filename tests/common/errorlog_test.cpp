@@ -1,14 +1,35 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "errorlog/errorlog.h"
+#include "errorlog/resume.h"
 #include "support/error_capture.h"
+#include "support/scratch.h"
 
 using namespace kestrel;
+namespace fs = std::filesystem;
+
+namespace {
+
+// Sets an environment variable (or removes it, for nullptr) for the life of the object.
+struct EnvVar {
+    std::string name, saved;
+    bool had;
+    EnvVar(const char* n, const char* value) : name(n) {
+        const char* old = std::getenv(n);
+        had = old != nullptr;
+        if (had) saved = old;
+        if (value) ::setenv(n, value, 1); else ::unsetenv(n);
+    }
+    ~EnvVar() {
+        if (had) ::setenv(name.c_str(), saved.c_str(), 1); else ::unsetenv(name.c_str());
+    }
+};
+
+}  // namespace
 
 TEST(Trap, EndsTheOperationAndReportsModuleAndTitle) {
     test::ErrorCapture capture;
@@ -24,34 +45,62 @@ TEST(Trap, EndsTheOperationAndReportsModuleAndTitle) {
     EXPECT_EQ(capture.reports[0].module, "clsStack.cls");
     EXPECT_EQ(capture.reports[0].title, "Sub Push");
     EXPECT_EQ(capture.reports[0].number, kErrSubscriptOutOfRange);
-}
 
-TEST(Trap, MapsStandardExceptionsToErrorNumbers) {
-    test::ErrorCapture capture;
+    // Standard exceptions map to error numbers; a body that finishes reports nothing.
     std::string s = "ab";
     Trap("m", "t", [&] { (void)s.at(5); });
-    ASSERT_EQ(capture.reports.size(), 1u);
-    EXPECT_EQ(capture.reports[0].number, kErrSubscriptOutOfRange);
+    ASSERT_EQ(capture.reports.size(), 2u);
+    EXPECT_EQ(capture.reports[1].number, kErrSubscriptOutOfRange);
     EXPECT_TRUE(Trap("m", "t", [] {}));
-    EXPECT_EQ(capture.reports.size(), 1u);
+    EXPECT_EQ(capture.reports.size(), 2u);
 }
 
-TEST(ErrorLog, DefaultHandlerAppendsALineToTheStateDirectoryLog) {
-    namespace fs = std::filesystem;
-    fs::path dir = fs::temp_directory_path() / ("kestrel-log-" + std::to_string(::getpid()));
-    fs::remove_all(dir);
-    const char* old = std::getenv("XDG_STATE_HOME");
-    std::string saved = old ? old : "";
-    ::setenv("XDG_STATE_HOME", dir.c_str(), 1);
-    EXPECT_EQ(ErrorLogPath(), (dir / "kestrel" / "error.log").string());
-    EXPECT_EQ(ReportError("clsOneFile.cls", "Function InProc", 9, "Subscript out of range"), 0);
-    ReportError("TreeView.ctl", "Sub tView_Click", 5, "Invalid procedure call");
-    std::ifstream log(dir / "kestrel" / "error.log");
-    std::string first, second;
-    std::getline(log, first);
-    std::getline(log, second);
-    EXPECT_NE(first.find("clsOneFile.cls\tFunction InProc\t9 Subscript out of range"), std::string::npos);
-    EXPECT_NE(second.find("TreeView.ctl\tSub tView_Click"), std::string::npos);
-    if (old) ::setenv("XDG_STATE_HOME", saved.c_str(), 1); else ::unsetenv("XDG_STATE_HOME");
-    fs::remove_all(dir);
+TEST(IgnoreErrors, EndsTheStepQuietly) {
+    test::ErrorCapture errors;
+    int reached = 0;
+    IgnoreErrors([&] {
+        reached = 1;
+        throw RuntimeError(kErrInvalidCall, "ignored");
+    });
+    EXPECT_EQ(reached, 1);
+    EXPECT_TRUE(errors.reports.empty());
+    int* none = nullptr;
+    EXPECT_THROW(Required(none), RuntimeError);
+}
+
+TEST(ErrorLog, TheDefaultHandlerAppendsLinesToTheStateDirectoryLogOrOneUnderHome) {
+    test::ScratchDir dir;
+    const fs::path state = dir.path() / "state", home = dir.path() / "home";
+    EnvVar h("HOME", home.c_str());
+    {
+        EnvVar s("XDG_STATE_HOME", state.c_str());
+        EXPECT_EQ(ErrorLogPath(), (state / "kestrel/error.log").string());
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(ReportError("clsOneFile.cls", "Function InProc", 9, "Subscript out of range"), 0);
+        ReportError("TreeView.ctl", "Sub tView_Click", 5, "Invalid procedure call");
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");  // reports never reach standard output
+        std::ifstream log(state / "kestrel/error.log");
+        std::string first, second;
+        std::getline(log, first);
+        std::getline(log, second);
+        EXPECT_NE(first.find("clsOneFile.cls\tFunction InProc\t9 Subscript out of range"), std::string::npos);
+        EXPECT_NE(second.find("TreeView.ctl\tSub tView_Click"), std::string::npos);
+    }
+    EnvVar relative("XDG_STATE_HOME", "relative/state");
+    EXPECT_EQ(ErrorLogPath(), (home / ".local/state/kestrel/error.log").string());
+    ReportError("clsSaveIntoFile.cls", "Function Load", 75, "Path/File access error");
+    EXPECT_NE(test::ReadFileBytes(home / ".local/state/kestrel/error.log")
+                  .find("clsSaveIntoFile.cls\tFunction Load\t75 Path/File access error"),
+              std::string::npos);
+}
+
+TEST(ErrorLog, AHostHandlerReceivesReportsAndCanBeRemovedAgain) {
+    std::vector<std::string> seen;
+    ErrorHandler previous = SetErrorHandler([&](const ErrorReport& r) -> int16_t {
+        seen.push_back(std::string(r.module) + "|" + std::string(r.title));
+        return 2;
+    });
+    EXPECT_EQ(ReportError("clsOneFile.cls", "Sub UpdateFile__", 5, "x"), 2);
+    SetErrorHandler(previous);
+    EXPECT_EQ(seen, (std::vector<std::string>{"clsOneFile.cls|Sub UpdateFile__"}));
 }
