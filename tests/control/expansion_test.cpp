@@ -23,7 +23,6 @@ constexpr const char* kSource =
 class Expansion : public ControlTest {
 protected:
     void SetUp() override {
-        ControlTest::SetUp();
         project = Path("shapes.kpr");
         view->NewProject(project, LANGUAGE_C, 0);
         view->files()->Add(Write("shape.h", kHeader), FILETYPE_DEFINITION);
@@ -41,14 +40,11 @@ protected:
     NodeId shapeNode = kNoNode;
 };
 
-TEST_F(Expansion, ALoadedClassWaitsBehindItsPlaceholder) {
+TEST_F(Expansion, ALoadedClassWaitsBehindItsPlaceholderAndExpandingFillsItFromEveryFile) {
     EXPECT_EQ(Outline(0, true),
               "shapes  [++shapes] 10\n"
               "  Shape  [--Shape] 1\n"
               "    |  [[[--Shape] 0\n");
-}
-
-TEST_F(Expansion, ExpandingFillsFromHeaderAndImplementationMerged) {
     platform.classTree.UserExpand(shapeNode);
     EXPECT_EQ(Outline(0, true), filled);
     EXPECT_EQ(Outline(0, true),

@@ -19,47 +19,44 @@ std::string Abs(const char* stored, const char* dir, PathStyle s) {
 
 }  // namespace
 
-TEST(Paths, WindowsExampleTable) {
-    const char* dir = "C:\\work\\proj\\";
-    EXPECT_EQ(Rel("C:\\work\\proj\\src\\a.cpp", dir, W), "src\\a.cpp");
-    EXPECT_EQ(Rel("C:\\work\\lib\\b.h", dir, W), "..\\lib\\b.h");
-    EXPECT_EQ(Rel("D:\\x\\c.h", dir, W), "D:\\x\\c.h");
-    EXPECT_EQ(Rel("c:\\work\\proj\\a.cpp", dir, W), "c:\\work\\proj\\a.cpp");
-    EXPECT_EQ(Abs("src\\a.cpp", dir, W), "C:\\work\\proj\\src\\a.cpp");
-    EXPECT_EQ(Abs("..\\lib\\b.h", dir, W), "C:\\work\\lib\\b.h");
-    EXPECT_EQ(Abs("D:\\x\\c.h", dir, W), "D:\\x\\c.h");
+TEST(Paths, StoredNamesResolveBackToTheFullName) {
+    struct Case {
+        const char* full;
+        const char* dir;
+        PathStyle style;
+        const char* stored;
+    };
+    const Case cases[] = {
+        {"C:\\work\\proj\\src\\a.cpp", "C:\\work\\proj\\", W, "src\\a.cpp"},
+        {"C:\\work\\proj\\a.cpp", "C:\\work\\proj\\", W, "a.cpp"},
+        {"C:\\work\\lib\\b.h", "C:\\work\\proj\\", W, "..\\lib\\b.h"},
+        {"D:\\x\\c.h", "C:\\work\\proj\\", W, "D:\\x\\c.h"},
+        {"c:\\work\\proj\\a.cpp", "C:\\work\\proj\\", W, "c:\\work\\proj\\a.cpp"},  // drive letters compare exactly
+        {"C:\\t\\src\\x.h", "C:\\t\\s\\", W, "..\\src\\x.h"},
+        {"C:\\work\\a.cpp", "", W, "C:\\work\\a.cpp"},
+        {"/work/proj/src/a.cpp", "/work/proj/", P, "src/a.cpp"},
+        {"/work/proj/a.cpp", "/work/proj/", P, "a.cpp"},
+        {"/work/lib/b.h", "/work/proj/", P, "../lib/b.h"},
+        {"/x/c.h", "/work/proj/", P, "../../x/c.h"},
+        // A project folder whose name prefixes the file's folder, or the other way round.
+        {"/t/src/x.h", "/t/s/", P, "../src/x.h"},
+        {"/t/s2/x.h", "/t/s/", P, "../s2/x.h"},
+        {"/t/s/x.h", "/t/src/", P, "../s/x.h"},
+        {"/work/a.cpp", "", P, "/work/a.cpp"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(Rel(c.full, c.dir, c.style), c.stored) << c.full << " in " << c.dir;
+        EXPECT_EQ(Abs(c.stored, c.dir, c.style), c.full) << c.stored << " in " << c.dir;
+    }
+}
+
+TEST(Paths, ResolvingOddStoredNames) {
     // Without a drive a leading separator is still relative.
-    EXPECT_EQ(Abs("\\x.h", dir, W), "C:\\work\\proj\\\\x.h");
-}
-
-TEST(Paths, PosixExampleTable) {
-    const char* dir = "/work/proj/";
-    EXPECT_EQ(Rel("/work/proj/src/a.cpp", dir, P), "src/a.cpp");
-    EXPECT_EQ(Rel("/work/lib/b.h", dir, P), "../lib/b.h");
-    EXPECT_EQ(Rel("/x/c.h", dir, P), "../../x/c.h");
-    EXPECT_EQ(Abs("src/a.cpp", dir, P), "/work/proj/src/a.cpp");
-    EXPECT_EQ(Abs("../lib/b.h", dir, P), "/work/lib/b.h");
-    EXPECT_EQ(Abs("/elsewhere/c.h", dir, P), "/elsewhere/c.h");
-    EXPECT_EQ(Abs("../../x/c.h", dir, P), "/x/c.h");
-}
-
-TEST(Paths, AFileBesideTheProjectIsStoredAsItsBareName) {
-    EXPECT_EQ(Rel("C:\\work\\proj\\a.cpp", "C:\\work\\proj\\", W), "a.cpp");
-    EXPECT_EQ(Rel("/work/proj/a.cpp", "/work/proj/", P), "a.cpp");
-}
-
-TEST(Paths, AProjectFolderThatPrefixesTheFileFolderStillResolvesBack) {
-    EXPECT_EQ(Rel("/t/src/x.h", "/t/s/", P), "../src/x.h");
-    EXPECT_EQ(Abs("../src/x.h", "/t/s/", P), "/t/src/x.h");
-    EXPECT_EQ(Rel("C:\\t\\src\\x.h", "C:\\t\\s\\", W), "..\\src\\x.h");
-    // Files below a longer sibling folder, and in a folder that the project's name prefixes.
-    EXPECT_EQ(Rel("/t/s2/x.h", "/t/s/", P), "../s2/x.h");
-    EXPECT_EQ(Rel("/t/s/x.h", "/t/src/", P), "../s/x.h");
-}
-
-TEST(Paths, ClimbingStopsAtTheRoot) {
+    EXPECT_EQ(Abs("\\x.h", "C:\\work\\proj\\", W), "C:\\work\\proj\\\\x.h");
+    // Climbing stops at the root.
     EXPECT_EQ(Abs("..\\..\\..\\x.h", "C:\\a\\", W), "C:\\x.h");
     EXPECT_EQ(Abs("../../../x.h", "/a/", P), "/x.h");
+    EXPECT_EQ(Abs("a.cpp", "", P), "a.cpp");
 }
 
 TEST(Paths, FileNameAndDirectoryParts) {
@@ -74,10 +71,4 @@ TEST(Paths, FileNameAndDirectoryParts) {
     // Each style knows only its own separator.
     EXPECT_EQ(ToUtf8(ExtractFilename__(u"/p/q.h", 0, W)), "/p/q.h");
     EXPECT_EQ(ToUtf8(ExtractFilename__(u"C:\\p\\q.h", 0, P)), "C:\\p\\q.h");
-}
-
-TEST(Paths, WithoutAProjectDirectoryNamesStayWhole) {
-    EXPECT_EQ(Rel("/work/a.cpp", "", P), "/work/a.cpp");
-    EXPECT_EQ(Rel("C:\\work\\a.cpp", "", W), "C:\\work\\a.cpp");
-    EXPECT_EQ(Abs("a.cpp", "", P), "a.cpp");
 }

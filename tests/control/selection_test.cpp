@@ -9,7 +9,6 @@ namespace {
 class Selection : public ControlTest {
 protected:
     void SetUp() override {
-        ControlTest::SetUp();
         view->NewProject(Path("MYPROJ.kpr"), LANGUAGE_C, 0);
         view->files()->Add(Write("shape.h", "class Shape {\npublic:\n    int Area(int scale);\n    int width;\n};\n"),
                            FILETYPE_DEFINITION);

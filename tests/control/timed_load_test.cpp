@@ -8,7 +8,6 @@ namespace {
 class TimedLoading : public ControlTest {
 protected:
     void SetUp() override {
-        ControlTest::SetUp();
         view->NewProject(u"/p/demo.kpr", LANGUAGE_C, 0);
         file = MakeFile(u"/p/a.cpp", FILETYPE_IMPLEMENTATION);
         shape = MakeClass(u"Shape");
