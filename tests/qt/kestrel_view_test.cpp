@@ -41,6 +41,18 @@ kestrel::FilePtr FirstImplementation(const MainWindow& window) {
     return nullptr;
 }
 
+struct Run {
+    int exitCode;
+    QByteArray out, err;
+};
+
+Run RunView(const QStringList& arguments) {
+    QProcess program;
+    program.start(QStringLiteral(KESTREL_VIEW_PROGRAM), arguments);
+    if (!program.waitForFinished(60000)) return {-1, {}, {}};
+    return {program.exitCode(), program.readAllStandardOutput(), program.readAllStandardError()};
+}
+
 }  // namespace
 
 class KestrelViewTest : public QObject {
@@ -87,7 +99,7 @@ private slots:
         QVERIFY(window.StatusText().contains("class Globals"));
     }
 
-    void doubleClickingAFunctionOpensItsFileAtItsLine() {
+    void doubleClickingAFunctionOpensItsFileAtItsLineAndTheToolbarSwitchesViews() {
         MainWindow window;
         window.show();
         QVERIFY(window.OpenFolder(CopyExamples(dir_), false));
@@ -105,11 +117,7 @@ private slots:
         const QString line = window.Editor().textCursor().block().text();
         const QString name = function->text(0).section('(', 0, 0);
         QVERIFY2(line.contains(name), qPrintable(line + " / " + name));
-    }
 
-    void theToolbarSwitchesBetweenClassesAndFiles() {
-        MainWindow window;
-        QVERIFY(window.OpenFolder(CopyExamples(dir_), false));
         QAction* byFile = nullptr;
         for (QAction* action : window.findChildren<QAction*>()) {
             if (action->text() == "By File") byFile = action;
@@ -147,27 +155,18 @@ private slots:
 
     void theScreenshotIsAPictureOfTheWholeWindow() {
         const QString png = dir_.filePath("view.png");
-        QProcess program;
-        program.start(QStringLiteral(KESTREL_VIEW_PROGRAM),
-                      {"--screenshot", png, "--expand", CopyExamples(dir_)});
-        QVERIFY(program.waitForFinished(60000));
-        QCOMPARE(program.exitCode(), 0);
+        const Run run = RunView({"--screenshot", png, "--expand", CopyExamples(dir_)});
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.out.contains("view.png"));
         QVERIFY(QFileInfo(png).size() > 0);
-        QVERIFY(program.readAllStandardOutput().contains("view.png"));
-
         const QImage picture(png);
         QVERIFY(!picture.isNull());
         const MainWindow window;
         QCOMPARE(picture.size(), window.size());
-    }
 
-    void aMissingFolderFailsWithAMessage() {
-        QProcess program;
-        program.start(QStringLiteral(KESTREL_VIEW_PROGRAM),
-                      {"--screenshot", dir_.filePath("none.png"), dir_.filePath("no-such-folder")});
-        QVERIFY(program.waitForFinished(60000));
-        QCOMPARE(program.exitCode(), 1);
-        QVERIFY(program.readAllStandardError().contains("no-such-folder"));
+        const Run missing = RunView({"--screenshot", dir_.filePath("none.png"), dir_.filePath("no-such-folder")});
+        QCOMPARE(missing.exitCode, 1);
+        QVERIFY(missing.err.contains("no-such-folder"));
         QVERIFY(!QFileInfo::exists(dir_.filePath("none.png")));
     }
 };

@@ -33,12 +33,6 @@ inline QStringList ChildTexts(const QTreeWidgetItem* item) {
     return texts;
 }
 
-inline QStringList TopTexts(const QTreeWidget* tree) {
-    QStringList texts;
-    for (int i = 0; i < tree->topLevelItemCount(); ++i) texts << tree->topLevelItem(i)->text(0);
-    return texts;
-}
-
 // Where an item is drawn; the tree lays its items out late, so that is done first.
 inline QPoint CenterOf(QTreeWidget* tree, QTreeWidgetItem* item) {
     tree->doItemsLayout();
@@ -53,7 +47,7 @@ inline void SendMouse(QTreeWidget* tree, QEvent::Type type, QPoint pos, Qt::Mous
     QApplication::sendEvent(viewport, &event);
 }
 
-// A header and an implementation of one small class, as an editor's project would hold.
+// The header of one small class, as an editor's project would hold.
 inline constexpr const char* kShapeHeader =
     "class Shape {\n"
     "public:\n"
@@ -66,15 +60,4 @@ inline constexpr const char* kShapeHeader =
     "    void Reset();\n"
     "    int y;\n"
     "};\n";
-inline constexpr const char* kShapeSource =
-    "#include \"shape.h\"\n"
-    "Shape::Shape() {\n"
-    "}\n"
-    "double Shape::Area() {\n"
-    "    return 0;\n"
-    "}\n"
-    "int Helper(int n) {\n"
-    "    return n;\n"
-    "}\n";
-
 }  // namespace kestrel::test
