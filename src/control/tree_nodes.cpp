@@ -108,24 +108,21 @@ void TreeView::AddClassNode__WithDummy(const ClassPtr& classObj, const FilePtr& 
 }
 
 void TreeView::AddFunction__(const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file) {
-    Trap(kModule, "Sub AddFunction__", [&] {
-        // Outside an expansion the entry may come from a class the project just gained.
-        if (expanding_ == kNoNode) holders_.Invalidate();
-        if (TimedLoad().Enabled())
-            TimedLoad().AddFunction(item, classObj, file);
-        else
-            AddFunction__Prim(item, classObj, file);
-    });
+    Trap(kModule, "Sub AddFunction__", [&] { AddOrQueueEntry(true, item, classObj, file); });
 }
 
 void TreeView::AddVariable__(const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file) {
-    Trap(kModule, "Sub AddVariable__", [&] {
-        if (expanding_ == kNoNode) holders_.Invalidate();
-        if (TimedLoad().Enabled())
-            TimedLoad().AddVariable(item, classObj, file);
-        else
-            AddVariable__Prim(item, classObj, file);
-    });
+    Trap(kModule, "Sub AddVariable__", [&] { AddOrQueueEntry(false, item, classObj, file); });
+}
+
+void TreeView::AddOrQueueEntry(bool isFunction, const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file) {
+    // Outside an expansion the entry may come from a class the project just gained.
+    if (expanding_ == kNoNode) holders_.Invalidate();
+    clsTimedLoad& loader = TimedLoad();
+    if (loader.Enabled())
+        isFunction ? loader.AddFunction(item, classObj, file) : loader.AddVariable(item, classObj, file);
+    else
+        isFunction ? AddFunction__Prim(item, classObj, file) : AddVariable__Prim(item, classObj, file);
 }
 
 void TreeView::AddFunction__Prim(const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file) {

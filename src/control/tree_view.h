@@ -140,6 +140,7 @@ private:
     class InputForwarder;
 
     void UserControl_Initialize();
+    void AddOrQueueEntry(bool isFunction, const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file);
     void AddEntry(bool isFunction, const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file);
     void RemoveEntry(bool isFunction, const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file);
     bool HeldByAnotherFile(const std::u16string& className, const FilePtr& except);

@@ -232,16 +232,17 @@ void MainWindow::ChooseProject() {
     if (!file.isEmpty()) OpenProject(file, true);
 }
 
-void MainWindow::SaveProject() {
-    if (view_->control().FileName().empty()) return;
-    if (!view_->control().Save()) Report(tr("The project could not be written to %1").arg(TextOf(view_->control().FileName())));
-    else statusBar()->showMessage(tr("Saved %1").arg(TextOf(view_->control().FileName())), 4000);
-}
+void MainWindow::SaveProject() { SaveProjectWith(&TreeView::Save, tr("Saved %1")); }
 
 void MainWindow::SaveProjectComplete() {
-    if (view_->control().FileName().empty()) return;
-    if (!view_->control().SaveComplete()) Report(tr("The project could not be written to %1").arg(TextOf(view_->control().FileName())));
-    else statusBar()->showMessage(tr("Rescanned every file and saved %1").arg(TextOf(view_->control().FileName())), 4000);
+    SaveProjectWith(&TreeView::SaveComplete, tr("Rescanned every file and saved %1"));
+}
+
+void MainWindow::SaveProjectWith(bool (TreeView::*save)(), const QString& doneMessage) {
+    const QString file = TextOf(view_->control().FileName());
+    if (file.isEmpty()) return;
+    if (!(view_->control().*save)()) Report(tr("The project could not be written to %1").arg(file));
+    else statusBar()->showMessage(doneMessage.arg(file), 4000);
 }
 
 // Closing saves the project first, as the control's CloseProject does.

@@ -15,9 +15,12 @@ class QActionGroup;
 class QLabel;
 class QProgressBar;
 
-namespace kestrel::qt {
+namespace kestrel {
+class TreeView;
+namespace qt {
 class TreeViewWidget;
 }
+}  // namespace kestrel
 
 namespace kestrel::view {
 
@@ -61,6 +64,7 @@ private:
     void ChooseProject();
     void SaveProject();
     void SaveProjectComplete();
+    void SaveProjectWith(bool (TreeView::*save)(), const QString& doneMessage);
     void SaveSourceFile();
     void CloseProject();
     void AddPendingFiles();
