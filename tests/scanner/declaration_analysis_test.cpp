@@ -33,16 +33,16 @@ struct Analyse {
     }
     Calls C(RWord r) {
         ParamCollector params(lines, static_cast<int32_t>(lines.size() - 1));
-        CAnalysis{syntax, params, out}.ProcessDeclaration(r);
-        last = r;
+        CAnalysis{syntax, params, out}.ProcessDeclaration(last = r);
         return out.calls;
     }
-    Calls Basic(RWord r) {
+    // A variable record goes to ProcessBasicVariable, any other to ProcessBasicDeclaration.
+    Calls Basic(RWord r, bool asVariable = false) {
         ParamCollector params(lines, static_cast<int32_t>(lines.size() - 1));
         BasicAnalysis analysis{syntax, params, out};
-        if (r.Scope == kResultVariable) analysis.ProcessBasicVariable(r);
-        else analysis.ProcessBasicDeclaration(r);
         last = r;
+        if (asVariable || r.Scope == kResultVariable) analysis.ProcessBasicVariable(last);
+        else analysis.ProcessBasicDeclaration(last);
         return out.calls;
     }
     test::ScanRecorder out;
@@ -204,9 +204,5 @@ TEST(ProcessBasicVariable, PrivateIsTriedFirstAndFoundInsideWords) {
 
 TEST(ProcessBasicVariable, SkipsConstantsAndRecordsOfOtherKinds) {
     EXPECT_EQ(Basic(u"Public Const Max = 10", kResultVariable), Calls{});
-    Analyse a(LANGUAGE_BASIC);
-    ParamCollector params(a.lines, 1);
-    RWord notAVariable = Record(u"Dim x As Long", u"", PUBLIC_SCOPE);
-    BasicAnalysis{a.syntax, params, a.out}.ProcessBasicVariable(notAVariable);
-    EXPECT_EQ(a.out.calls, Calls{});
+    EXPECT_EQ(Analyse(LANGUAGE_BASIC).Basic(Record(u"Dim x As Long", u"", PUBLIC_SCOPE), true), Calls{});
 }
