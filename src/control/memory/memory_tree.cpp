@@ -88,7 +88,7 @@ NodeId MemoryTree::Insert(Node& parent, Node* before, std::u16string_view key, s
     auto owned = std::make_unique<Node>();
     Node* n = owned.get();
     n->key = key;
-    if (!key.empty() && !keys_.emplace(n->key, n).second)
+    if (!key.empty() && !keys_.Insert(n))
         throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
     n->id = ++lastId_;
     n->text = text;
@@ -115,8 +115,8 @@ NodeId MemoryTree::AddBefore(NodeId sibling, std::u16string_view key, std::u16st
 }
 
 NodeId MemoryTree::Find(std::u16string_view key) const {
-    auto it = keys_.find(key);
-    return it == keys_.end() ? kNoNode : it->second->id;
+    const Node* n = keys_.Find(key);
+    return n ? n->id : kNoNode;
 }
 
 std::u16string MemoryTree::Text(NodeId node) const { return At(node).text; }
@@ -139,10 +139,10 @@ std::u16string MemoryTree::Key(NodeId node) const { return At(node).key; }
 void MemoryTree::SetKey(NodeId node, std::u16string_view key) {
     Node& n = At(node);
     if (key == n.key) return;
-    if (!key.empty() && keys_.count(key)) throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
-    if (!n.key.empty()) keys_.erase(n.key);
+    if (!key.empty() && keys_.Find(key)) throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
+    if (!n.key.empty()) keys_.Erase(n.key);
     n.key = key;
-    if (!n.key.empty()) keys_.emplace(n.key, &n);
+    if (!n.key.empty()) keys_.Insert(&n);
 }
 
 int16_t MemoryTree::Image(NodeId node) const { return At(node).image; }
@@ -198,7 +198,7 @@ void MemoryTree::Forget(Node* n) {
         pending.pop_back();
         for (Node* c = cur->first; c; c = c->next) pending.push_back(c);
         if (cur->id == selected_) selected_ = kNoNode;
-        if (!cur->key.empty()) keys_.erase(cur->key);
+        if (!cur->key.empty()) keys_.Erase(cur->key);
         nodes_[cur->id - firstId_].reset();
         --liveNodes_;
     }
@@ -211,7 +211,7 @@ void MemoryTree::Remove(NodeId node) {
 }
 
 void MemoryTree::Clear() {
-    keys_.clear();
+    keys_.Clear();
     nodes_.clear();
     firstId_ = lastId_ + 1;
     liveNodes_ = 0;

@@ -1,15 +1,15 @@
 #pragma once
 // A tree that lives in memory only: the command-line program and the tests draw the
-// control into it. Node ids index a table directly, keys are found through a hash map
-// that points into the nodes' own key strings, and a sorting parent keeps its children
+// control into it. Node ids index a table directly, keys are found through a hash
+// index of the nodes themselves, and a sorting parent keeps its children
 // in a sorted array, so a tree of a hundred thousand nodes stays quick to build and query.
 // Rows have a fixed height; a hit test maps a y position to the visible row there.
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "control/memory/key_index.h"
 #include "control/platform/tree.h"
 #include "control/platform/tree_input.h"
 
@@ -105,8 +105,7 @@ private:
     std::vector<std::unique_ptr<Node>> nodes_;
     NodeId firstId_ = 1;
     int32_t liveNodes_ = 0;
-    // Views of the nodes' key strings, which live as long as their entries here.
-    std::unordered_map<std::u16string_view, Node*> keys_;
+    KeyIndex<Node> keys_;  // every node with a key
     NodeId lastId_ = kNoNode;
     NodeId selected_ = kNoNode;
     std::u16string toolTip_;
