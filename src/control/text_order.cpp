@@ -11,6 +11,7 @@ namespace kestrel {
 int CompareCaseBlind(std::u16string_view a, std::u16string_view b) {
     const size_t n = std::min(a.size(), b.size());
     for (size_t i = 0; i < n; ++i) {
+        if (a[i] == b[i]) continue;  // most compared texts share a long prefix
         const char16_t ua = UpperUnit(a[i]);
         const char16_t ub = UpperUnit(b[i]);
         if (ua != ub) return ua < ub ? -1 : 1;

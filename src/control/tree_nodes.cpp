@@ -20,17 +20,31 @@ bool StartsWithDigit(std::u16string_view tag) { return !tag.empty() && tag[0] >=
 // A file's bit in an entry's tag digit: implementation files set 1, all others 2.
 int FileBit(const FilePtr& file) { return file->FileType() == FILETYPE_IMPLEMENTATION ? 1 : 2; }
 
-std::u16string EntryKey(bool isFunction, const clsClassObject& classObj, const clsOneItem& item) {
+// Each Build* fills a buffer the caller keeps from call to call and returns a view of it.
+std::u16string_view BuildKey(std::u16string& into, std::u16string_view marker, std::u16string_view rest) {
+    into.assign(marker);
+    into.append(rest);
+    return into;
+}
+
+std::u16string_view BuildEntryKey(std::u16string& into, bool isFunction, const clsClassObject& classObj,
+                                  const clsOneItem& item) {
     // A variable read back from a project file may carry a "#n" key; one just scanned
     // has no KeyVal yet and sits under its name.
     const std::u16string& itemKey = isFunction || !item.KeyVal.empty() ? item.KeyVal : item.Name;
-    return MakeKey(isFunction ? kFunctionMarker : kVariableMarker, classObj.Name) + std::u16string(kMemberSeparator) +
-           itemKey;
+    BuildKey(into, isFunction ? kFunctionMarker : kVariableMarker, classObj.Name);
+    into.append(kMemberSeparator);
+    into.append(itemKey);
+    return into;
 }
 
-std::u16string EntryText(bool isFunction, const clsOneItem& item) {
-    if (isFunction) return item.Name + item.Params;
-    return item.Params.empty() ? item.Name : item.Params + u" " + item.Name;
+std::u16string_view BuildEntryText(std::u16string& into, bool isFunction, const clsOneItem& item) {
+    if (isFunction) return BuildKey(into, item.Name, item.Params);
+    if (item.Params.empty()) return item.Name;
+    into.assign(item.Params);
+    into.append(u" ");
+    into.append(item.Name);
+    return into;
 }
 
 }  // namespace
@@ -140,8 +154,8 @@ void TreeView::AddEntry(bool isFunction, const ItemPtr& item, const ClassPtr& cl
     }
     // An unopened class node is filled from the model when it is expanded; an entry
     // added beside its placeholder would leave it half filled for good.
-    const std::u16string classKey = MakeKey(kClassMarker, classObj->Name);
-    if (classTree_->Find(MakeKey(kPlaceholderMarker, classKey)) != kNoNode &&
+    const std::u16string_view classKey = BuildKey(classKey_, kClassMarker, classObj->Name);
+    if (classTree_->Find(BuildKey(placeholderKey_, kPlaceholderMarker, classKey)) != kNoNode &&
         (expanding_ == kNoNode || classTree_->Find(classKey) != expanding_))
         return;
 
@@ -158,10 +172,10 @@ void TreeView::AddEntry(bool isFunction, const ItemPtr& item, const ClassPtr& cl
     }
     if (folder == kNoNode) return;
 
-    const std::u16string key = EntryKey(isFunction, *classObj, *item);
+    const std::u16string_view key = BuildEntryKey(entryKey_, isFunction, *classObj, *item);
     NodeId node = classTree_->Find(key);
     if (node == kNoNode) {
-        const std::u16string text = EntryText(isFunction, *item);
+        const std::u16string_view text = BuildEntryText(entryText_, isFunction, *item);
         const int16_t image = SelectImage__(static_cast<int16_t>(item->Scope), isFunction ? kImageFunction : kImageVariable);
         NodeId before = kNoNode;
         // A folder that sorts its children places the node itself; the walk is only
@@ -179,10 +193,17 @@ void TreeView::AddEntry(bool isFunction, const ItemPtr& item, const ClassPtr& cl
         }
         node = before != kNoNode ? classTree_->AddBefore(before, key, text, image)
                                  : classTree_->AddLastChild(folder, key, text, image);
+        // A new node has no tag yet: only this file's bit and the user data.
+        entryText_.assign(1, static_cast<char16_t>(u'0' + FileBit(file)));
+        entryText_.append(item->UserData);
+        classTree_->SetTag(node, entryText_);
+        return;
     }
     std::u16string tag = SetATag__(node, item->UserData);
-    if (tag.empty()) tag = u"0";  // SetATag__ failed and has reported why
-    tag[0] = static_cast<char16_t>(u'0' + ((tag[0] - u'0') | FileBit(file)));
+    // An empty tag: SetATag__ failed and has reported why.
+    const auto digit = static_cast<char16_t>(u'0' + ((tag.empty() ? 0 : tag[0] - u'0') | FileBit(file)));
+    if (tag.empty()) tag.push_back(digit);
+    else tag[0] = digit;
     classTree_->SetTag(node, tag);
 }
 
@@ -210,7 +231,7 @@ void TreeView::RemoveVariable__(const ItemPtr& item, const ClassPtr& classObj, c
 }
 
 void TreeView::RemoveEntry(bool isFunction, const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file) {
-    NodeId node = classTree_->Find(EntryKey(isFunction, *classObj, *item));
+    NodeId node = classTree_->Find(BuildEntryKey(entryKey_, isFunction, *classObj, *item));
     if (node == kNoNode) return;
     const std::u16string tag = classTree_->Tag(node);
     int digit = StartsWithDigit(tag) ? tag[0] - u'0' : 0;

@@ -172,6 +172,9 @@ private:
     NodeId currentFolder_ = kNoNode;
     std::u16string currentClassName_;
     NodeId expanding_ = kNoNode;  // the class node tView_Expand is filling
+    // Buffers AddEntry builds its keys and texts in, kept from entry to entry so that
+    // adding one costs no allocation once they have grown.
+    std::u16string classKey_, placeholderKey_, entryKey_, entryText_;
     ClassHolders holders_;
 };
 

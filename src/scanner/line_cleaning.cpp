@@ -60,14 +60,25 @@ std::u16string& Clean(std::u16string& line, UnitSet* present) {
     const size_t n = line.size();
     size_t out = 0;
     bool afterBlank = true;
+    // The set is gathered in registers: adding to it in memory unit by unit would
+    // chain every step of the loop to the store before it.
+    uint64_t low = 0, high = 0;
+    bool other = false;
     for (size_t i = 0; i < n; ++i) {
         const char16_t c = text[i];
         const bool blank = c == u' ' || c == u'\t';
-        text[out] = blank ? u' ' : c;
-        if constexpr (Collect) present->Add(text[out]);
+        const char16_t kept = blank ? u' ' : c;
+        text[out] = kept;
+        if constexpr (Collect) {
+            const uint64_t bit = uint64_t{1} << (kept & 63);
+            low |= kept < 64 ? bit : 0;
+            high |= kept >= 64 && kept < 128 ? bit : 0;
+            other |= kept >= 128;
+        }
         out += !(blank && afterBlank);
         afterBlank = blank;
     }
+    if constexpr (Collect) present->AddGathered(low, high, other);
     line.resize(out);
     return line;
 }

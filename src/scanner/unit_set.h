@@ -23,6 +23,14 @@ public:
         else other_ = true;
     }
 
+    // Adds at once what a loop gathered in registers: the bits of units 0-63 and
+    // 64-127, and whether any unit was above 127.
+    void AddGathered(uint64_t low, uint64_t high, bool other) {
+        bits_[0] |= low;
+        bits_[1] |= high;
+        other_ = other_ || other;
+    }
+
     // False only when some unit of `pattern` is certainly absent, so the pattern cannot
     // occur. Units above 127 are not told apart.
     bool MayHold(std::u16string_view pattern) const {

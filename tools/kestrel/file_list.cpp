@@ -112,10 +112,12 @@ Progress::~Progress() {
     if (shown_) std::fputc('\n', stderr);
 }
 
-void Progress::Step(unsigned long long bytes) {
+void Progress::Step(const std::string& path) {
     ++done_;
-    bytes_ += bytes;
-    if (!terminal_) return;
+    if (!terminal_) return;  // nobody sees it: not even a look at the file's size
+    std::error_code ec;
+    const auto size = fs::file_size(path, ec);
+    bytes_ += ec ? 0 : size;
     const double now = Now();
     const double elapsed = now - start_;
     if (elapsed <= 1.0 || (now - lastShown_ < 0.2 && done_ != total_)) return;

@@ -45,7 +45,8 @@ class Progress {
 public:
     Progress(size_t total, const char* verb);
     ~Progress();
-    void Step(unsigned long long bytes);
+    // One more file done; its size counts towards the speed shown.
+    void Step(const std::string& path);
 
 private:
     size_t total_;

@@ -1,5 +1,4 @@
 // kestrel new, add, remove and update: the commands that write a project file.
-#include <filesystem>
 #include <iostream>
 #include <optional>
 
@@ -12,8 +11,6 @@
 namespace kestrel::cli {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr const char* kNewUsage =
     "usage: kestrel new PROJECT [--language L] [--id N] [[--type T] FILE...]... [--files-from LIST]\n"
@@ -97,9 +94,7 @@ void AddFiles(ProjectSession& session, const std::vector<SourceFile>& files) {
     for (const SourceFile& f : files) {
         if (!all->Add(FromUtf8(f.path), f.type))
             std::cerr << "kestrel: " << f.path << ": already in the project, skipped\n";
-        std::error_code ec;
-        const auto size = fs::file_size(f.path, ec);
-        progress.Step(ec ? 0 : size);
+        progress.Step(f.path);
     }
 }
 

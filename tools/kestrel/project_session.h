@@ -33,8 +33,8 @@ public:
     ProjectSession(const ProjectSession&) = delete;
     ProjectSession& operator=(const ProjectSession&) = delete;
 
-    TreeView& View() { return *view_; }
-    MemoryPlatform& Platform() { return platform_; }
+    TreeView& View() { return *state_->view; }
+    MemoryPlatform& Platform() { return state_->platform; }
 
     // Loads a project file, failing with the reason when it is missing, unreadable or
     // not a project file; runs the load timer dry.
@@ -45,8 +45,11 @@ public:
     int ErrorCount() const { return errors_; }
 
 private:
-    MemoryPlatform platform_;
-    std::shared_ptr<TreeView> view_;
+    struct State {
+        MemoryPlatform platform;
+        std::shared_ptr<TreeView> view;  // after the platform, so that it goes first
+    };
+    std::unique_ptr<State> state_;
     ErrorHandler previousHandler_;
     int errors_ = 0;
 };

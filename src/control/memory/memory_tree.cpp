@@ -21,38 +21,44 @@ struct MemoryTree::Node {
     int16_t image = 0;
     int16_t expandedImage = 0;
     bool expanded = false;
+    bool sorts = false;  // the sorted-children switch
     Node* parent = nullptr;
     Node* first = nullptr;
     Node* last = nullptr;
     Node* prev = nullptr;
     Node* next = nullptr;
     int32_t childCount = 0;
-    // Present while the sorted-children switch is on; iterates in the children's order.
-    std::unique_ptr<Order> order;
-    Order::iterator place;  // this node's entry in its parent's order, when the parent sorts
+    // While the node sorts: its children in their list order, which is text order.
+    std::vector<Node*> order;
 };
 
-bool MemoryTree::TextLess::operator()(const Node* a, const Node* b) const {
-    return CompareCaseBlind(a->text, b->text) < 0;
-}
+bool MemoryTree::TextBefore(const Node* a, const Node* b) { return CompareCaseBlind(a->text, b->text) < 0; }
 
 MemoryTree::MemoryTree() : root_(std::make_unique<Node>()) {}
 MemoryTree::~MemoryTree() = default;
 
 MemoryTree::Node& MemoryTree::At(NodeId node) const {
-    auto it = nodes_.find(node);
-    if (it == nodes_.end()) throw RuntimeError(kErrNoSuchNode, "Control's collection has been modified");
-    return *it->second;
+    const NodeId slot = node - firstId_;
+    if (node < firstId_ || slot >= nodes_.size() || !nodes_[slot])
+        throw RuntimeError(kErrNoSuchNode, "Control's collection has been modified");
+    return *nodes_[slot];
 }
 
 MemoryTree::Node& MemoryTree::ParentAt(NodeId node) const { return node == kNoNode ? *root_ : At(node); }
 
 void MemoryTree::Link(Node& parent, Node* before, Node* n) {
-    if (parent.order) {
-        // The ordered index decides: a multiset inserts after every equal text.
-        n->place = parent.order->insert(n);
-        auto after = std::next(n->place);
-        before = after == parent.order->end() ? nullptr : *after;
+    if (parent.sorts) {
+        // The child goes after every sibling of an equal text; appending in text order,
+        // the common case, needs no search.
+        auto& order = parent.order;
+        if (order.empty() || !TextBefore(n, order.back())) {
+            order.push_back(n);
+            before = nullptr;
+        } else {
+            auto at = std::upper_bound(order.begin(), order.end(), n, TextBefore);
+            before = *at;
+            order.insert(at, n);
+        }
     }
     n->parent = &parent;
     n->next = before;
@@ -64,7 +70,12 @@ void MemoryTree::Link(Node& parent, Node* before, Node* n) {
 
 void MemoryTree::Unlink(Node* n) {
     Node& parent = *n->parent;
-    if (parent.order) parent.order->erase(n->place);
+    if (parent.sorts) {
+        auto& order = parent.order;
+        auto at = std::lower_bound(order.begin(), order.end(), n, TextBefore);
+        while (*at != n) ++at;
+        order.erase(at);
+    }
     (n->prev ? n->prev->next : parent.first) = n->next;
     (n->next ? n->next->prev : parent.last) = n->prev;
     n->prev = n->next = nullptr;
@@ -74,16 +85,16 @@ void MemoryTree::Unlink(Node* n) {
 
 NodeId MemoryTree::Insert(Node& parent, Node* before, std::u16string_view key, std::u16string_view text,
                           int16_t image) {
-    if (!key.empty() && keys_.count(std::u16string(key)))
-        throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
     auto owned = std::make_unique<Node>();
     Node* n = owned.get();
-    n->id = ++lastId_;
     n->key = key;
+    if (!key.empty() && !keys_.Insert(n))
+        throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
+    n->id = ++lastId_;
     n->text = text;
     n->image = image;
-    nodes_.emplace(n->id, std::move(owned));
-    if (!key.empty()) keys_.emplace(n->key, n);
+    nodes_.push_back(std::move(owned));
+    ++liveNodes_;
     Link(parent, before, n);
     return n->id;
 }
@@ -104,8 +115,8 @@ NodeId MemoryTree::AddBefore(NodeId sibling, std::u16string_view key, std::u16st
 }
 
 NodeId MemoryTree::Find(std::u16string_view key) const {
-    auto it = keys_.find(std::u16string(key));
-    return it == keys_.end() ? kNoNode : it->second->id;
+    const Node* n = keys_.Find(key);
+    return n ? n->id : kNoNode;
 }
 
 std::u16string MemoryTree::Text(NodeId node) const { return At(node).text; }
@@ -113,7 +124,7 @@ std::u16string MemoryTree::Text(NodeId node) const { return At(node).text; }
 void MemoryTree::SetText(NodeId node, std::u16string_view text) {
     Node& n = At(node);
     Node& parent = *n.parent;
-    if (!parent.order) {
+    if (!parent.sorts) {
         n.text = text;
         return;
     }
@@ -128,11 +139,10 @@ std::u16string MemoryTree::Key(NodeId node) const { return At(node).key; }
 void MemoryTree::SetKey(NodeId node, std::u16string_view key) {
     Node& n = At(node);
     if (key == n.key) return;
-    if (!key.empty() && keys_.count(std::u16string(key)))
-        throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
-    if (!n.key.empty()) keys_.erase(n.key);
+    if (!key.empty() && keys_.Find(key)) throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
+    if (!n.key.empty()) keys_.Erase(n.key);
     n.key = key;
-    if (!n.key.empty()) keys_.emplace(n.key, &n);
+    if (!n.key.empty()) keys_.Insert(&n);
 }
 
 int16_t MemoryTree::Image(NodeId node) const { return At(node).image; }
@@ -143,20 +153,22 @@ std::u16string MemoryTree::Tag(NodeId node) const { return At(node).tag; }
 void MemoryTree::SetTag(NodeId node, std::u16string_view tag) { At(node).tag = tag; }
 bool MemoryTree::Expanded(NodeId node) const { return At(node).expanded; }
 void MemoryTree::SetExpanded(NodeId node, bool expanded) { At(node).expanded = expanded; }
-bool MemoryTree::SortedChildren(NodeId node) const { return ParentAt(node).order != nullptr; }
+bool MemoryTree::SortedChildren(NodeId node) const { return ParentAt(node).sorts; }
 
 void MemoryTree::SetSortedChildren(NodeId node, bool sorted) {
     Node& n = ParentAt(node);
-    if (sorted == (n.order != nullptr)) return;
+    if (sorted == n.sorts) return;
     if (!sorted) {
-        n.order.reset();
+        n.sorts = false;
+        std::vector<Node*>().swap(n.order);
         return;
     }
     std::vector<Node*> children;
     children.reserve(n.childCount);
     for (Node* c = n.first; c; c = c->next) children.push_back(c);
     for (Node* c : children) Unlink(c);
-    n.order = std::make_unique<Order>();
+    n.sorts = true;
+    n.order.reserve(children.size());
     // Relinking in the old order through the index gives a stable sort.
     for (Node* c : children) Link(n, nullptr, c);
 }
@@ -186,8 +198,9 @@ void MemoryTree::Forget(Node* n) {
         pending.pop_back();
         for (Node* c = cur->first; c; c = c->next) pending.push_back(c);
         if (cur->id == selected_) selected_ = kNoNode;
-        if (!cur->key.empty()) keys_.erase(cur->key);
-        nodes_.erase(cur->id);
+        if (!cur->key.empty()) keys_.Erase(cur->key);
+        nodes_[cur->id - firstId_].reset();
+        --liveNodes_;
     }
 }
 
@@ -198,11 +211,13 @@ void MemoryTree::Remove(NodeId node) {
 }
 
 void MemoryTree::Clear() {
+    keys_.Clear();
     nodes_.clear();
-    keys_.clear();
-    const bool sorted = root_->order != nullptr;
+    firstId_ = lastId_ + 1;
+    liveNodes_ = 0;
+    const bool sorted = root_->sorts;
     root_ = std::make_unique<Node>();
-    if (sorted) root_->order = std::make_unique<Order>();
+    root_->sorts = sorted;
     selected_ = kNoNode;
 }
 

@@ -1,13 +1,15 @@
 #pragma once
 // A tree that lives in memory only: the command-line program and the tests draw the
-// control into it. Keys are found through a hash map and sorted children through an
-// ordered index, so a tree of a hundred thousand nodes stays quick to build and query.
+// control into it. Node ids index a table directly, keys are found through a hash
+// index of the nodes themselves, and a sorting parent keeps its children
+// in a sorted array, so a tree of a hundred thousand nodes stays quick to build and query.
 // Rows have a fixed height; a hit test maps a y position to the visible row there.
 #include <memory>
-#include <set>
 #include <string>
-#include <unordered_map>
+#include <string_view>
+#include <vector>
 
+#include "control/memory/key_index.h"
 #include "control/platform/tree.h"
 #include "control/platform/tree_input.h"
 
@@ -77,7 +79,7 @@ public:
 
     // The top of a node's row while every ancestor is expanded, or -1 when it is hidden.
     float RowTop(NodeId node) const;
-    int32_t NodeCount() const { return static_cast<int32_t>(nodes_.size()); }
+    int32_t NodeCount() const { return liveNodes_; }
     float Left() const { return bounds_[0]; }
     float Top() const { return bounds_[1]; }
     float Width() const { return bounds_[2]; }
@@ -85,10 +87,7 @@ public:
 
 private:
     struct Node;
-    struct TextLess {
-        bool operator()(const Node* a, const Node* b) const;
-    };
-    using Order = std::multiset<Node*, TextLess>;
+    static bool TextBefore(const Node* a, const Node* b);
 
     Node& At(NodeId node) const;
     Node& ParentAt(NodeId node) const;
@@ -101,8 +100,12 @@ private:
     void ForEachShown(Visit&& visit) const;
 
     std::unique_ptr<Node> root_;  // parent of the top-level nodes, never shown
-    std::unordered_map<NodeId, std::unique_ptr<Node>> nodes_;
-    std::unordered_map<std::u16string, Node*> keys_;
+    // Ids are handed out in increasing order and never reused, so the node of an id is
+    // at nodes_[id - firstId_]; a removed node leaves an empty slot until Clear.
+    std::vector<std::unique_ptr<Node>> nodes_;
+    NodeId firstId_ = 1;
+    int32_t liveNodes_ = 0;
+    KeyIndex<Node> keys_;  // every node with a key
     NodeId lastId_ = kNoNode;
     NodeId selected_ = kNoNode;
     std::u16string toolTip_;
