@@ -33,14 +33,13 @@ class DuplicateRenamer {
 public:
     explicit DuplicateRenamer(KeyedCollection<clsOneItem>& items) : items_(items) {}
 
-    void Add(const ItemPtr& item, const std::u16string& firstKey) {
-        std::u16string key = firstKey;
+    void Add(const ItemPtr& item, std::u16string key) {
         if (!items_.TryAdd(key, item)) {
             int32_t& n = lastSuffix_[UpperCase(item->Name)];
             do key = item->Name + u"#" + ToText(++n);
             while (!items_.TryAdd(key, item));
         }
-        item->KeyVal = key;
+        item->KeyVal = std::move(key);
     }
 
 private:
