@@ -37,10 +37,10 @@ public:
     }
     // The entry under a key (compared case-blind), or nullptr.
     Value Find(std::u16string_view key) const {
-        int32_t slot = SlotOfKey(key, HashOf(key));
+        int32_t slot = SlotOfKey(key);
         return slot < 0 ? nullptr : slots_[slot].value;
     }
-    bool Contains(std::u16string_view key) const { return SlotOfKey(key, HashOf(key)) >= 0; }
+    bool Contains(std::u16string_view key) const { return SlotOfKey(key) >= 0; }
 
     // As At and Find, but a miss is a run-time error (for callers that report it).
     Value Item(int32_t position) const {
@@ -61,11 +61,12 @@ public:
     }
     // As Add, answering false instead of raising when the key is present.
     bool TryAdd(std::u16string_view key, Value value) {
-        const uint32_t hash = HashOf(key);
-        if (SlotOfKey(key, hash) >= 0) return false;
+        std::u16string upper = UpperCase(key);
+        const uint32_t hash = HashOfUpper(upper);
+        if (Lookup(hash, [&](const std::u16string& stored) { return stored == upper; }) >= 0) return false;
         // Grows (or clears out removal markers) at three quarters full.
         if ((tableUsed_ + 1) * 4 > table_.size() * 3) Rehash(live_ + 1);
-        slots_.push_back(Slot{UpperCase(key), std::move(value)});
+        slots_.push_back(Slot{std::move(upper), std::move(value)});
         AppendToTree();
         ++live_;
         Place(static_cast<int32_t>(slots_.size()) - 1, hash);
@@ -80,7 +81,7 @@ public:
         return true;
     }
     bool Remove(std::u16string_view key) {
-        int32_t slot = SlotOfKey(key, HashOf(key));
+        int32_t slot = SlotOfKey(key);
         if (slot < 0) return false;
         Kill(slot);
         Squeeze();
@@ -200,30 +201,40 @@ private:
     };
 
     // FNV-1a over the upper-cased units, so every letter case of a key hashes alike.
-    static uint32_t HashOf(std::u16string_view key) {
+    // A key already upper-cased is hashed as it stands.
+    template <class Unit>
+    static uint32_t Hash(std::u16string_view key, Unit unit) {
         uint32_t h = 2166136261u;
-        for (char16_t c : key) h = (h ^ UpperUnit(c)) * 16777619u;
+        for (char16_t c : key) h = (h ^ unit(c)) * 16777619u;
         return h;
     }
-    static bool SameKey(const std::u16string& upper, std::u16string_view key) {
-        if (upper.size() != key.size()) return false;
-        for (size_t i = 0; i < key.size(); ++i)
-            if (upper[i] != UpperUnit(key[i])) return false;
-        return true;
+    static uint32_t HashOf(std::u16string_view key) { return Hash(key, UpperUnit); }
+    static uint32_t HashOfUpper(std::u16string_view upper) {
+        return Hash(upper, [](char16_t c) { return c; });
     }
     size_t Mask() const { return table_.size() - 1; }
-    // The live slot under key, or -1.
-    int32_t SlotOfKey(std::u16string_view key, uint32_t hash) const {
+    // The live slot whose stored key satisfies same(key), or -1.
+    template <class Same>
+    int32_t Lookup(uint32_t hash, Same&& same) const {
         if (table_.empty()) return -1;
         for (size_t b = hash & Mask();; b = (b + 1) & Mask()) {
             const Bucket& at = table_[b];
             if (at.slot == kEmpty) return -1;
-            if (at.slot >= 0 && at.hash == hash && SameKey(slots_[at.slot].key, key)) return at.slot;
+            if (at.slot >= 0 && at.hash == hash && same(slots_[at.slot].key)) return at.slot;
         }
+    }
+    // The live slot under key in any letter case, or -1; the key is not copied.
+    int32_t SlotOfKey(std::u16string_view key) const {
+        return Lookup(HashOf(key), [&](const std::u16string& upper) {
+            if (upper.size() != key.size()) return false;
+            for (size_t i = 0; i < key.size(); ++i)
+                if (upper[i] != UpperUnit(key[i])) return false;
+            return true;
+        });
     }
     void Unindex(int32_t slot) {
         if (table_.empty()) return;
-        for (size_t b = HashOf(slots_[slot].key) & Mask(); table_[b].slot != kEmpty; b = (b + 1) & Mask()) {
+        for (size_t b = HashOfUpper(slots_[slot].key) & Mask(); table_[b].slot != kEmpty; b = (b + 1) & Mask()) {
             if (table_[b].slot == slot) {
                 table_[b].slot = kGone;
                 return;
@@ -246,7 +257,7 @@ private:
         tableUsed_ = 0;
         if (renumbered) {
             for (size_t slot = 0; slot < slots_.size(); ++slot)
-                Place(static_cast<int32_t>(slot), HashOf(slots_[slot].key));
+                Place(static_cast<int32_t>(slot), HashOfUpper(slots_[slot].key));
         } else {
             for (const Bucket& b : old)
                 if (b.slot >= 0) Place(b.slot, b.hash);
