@@ -33,14 +33,13 @@ class DuplicateRenamer {
 public:
     explicit DuplicateRenamer(KeyedCollection<clsOneItem>& items) : items_(items) {}
 
-    void Add(const ItemPtr& item, const std::u16string& firstKey) {
-        std::u16string key = firstKey;
+    void Add(const ItemPtr& item, std::u16string key) {
         if (!items_.TryAdd(key, item)) {
             int32_t& n = lastSuffix_[UpperCase(item->Name)];
             do key = item->Name + u"#" + ToText(++n);
             while (!items_.TryAdd(key, item));
         }
-        item->KeyVal = key;
+        item->KeyVal = std::move(key);
     }
 
 private:
@@ -51,11 +50,14 @@ private:
 }  // namespace
 
 std::u16string clsClassObject::MakeFuncKey__(std::u16string_view name, std::u16string_view params) {
-    std::u16string key;
-    key.reserve(name.size() + params.size());
+    // Written through a pointer into room for every unit, then cut to what was kept:
+    // appending unit by unit costs a capacity check per unit on a hot path of loading.
+    std::u16string key(name.size() + params.size(), u'\0');
+    char16_t* to = key.data();
     for (std::u16string_view part : {name, params})
         for (char16_t c : part)
-            if (c != u' ') key += UpperUnit(c);
+            if (c != u' ') *to++ = UpperUnit(c);
+    key.resize(static_cast<size_t>(to - key.data()));
     return key;
 }
 

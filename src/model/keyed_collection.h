@@ -4,7 +4,10 @@
 //
 // Removal leaves a hole in the slot array instead of shifting it; a Fenwick tree over
 // the live flags turns a position into a slot (and back) in O(log n), and the holes
-// are squeezed out once they outnumber the live entries. Key lookup is a hash lookup.
+// are squeezed out once they outnumber the live entries. Key lookup is a hash lookup
+// in an open-addressing table of slot numbers: each key is stored once, upper-cased,
+// in its slot, and a looked-up key is hashed and compared unit by unit through
+// UpperUnit, so neither a lookup nor the index makes a copy of a key.
 // So a class with 50,000 members, or a project with 50,000 files, stays fast for
 // every access pattern the model uses (append, lookup, sweep, "remove position 1
 // until empty").
@@ -12,7 +15,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -35,10 +37,10 @@ public:
     }
     // The entry under a key (compared case-blind), or nullptr.
     Value Find(std::u16string_view key) const {
-        auto it = index_.find(UpperCase(key));
-        return it == index_.end() ? nullptr : slots_[it->second].value;
+        int32_t slot = SlotOfKey(key);
+        return slot < 0 ? nullptr : slots_[slot].value;
     }
-    bool Contains(std::u16string_view key) const { return index_.count(UpperCase(key)) != 0; }
+    bool Contains(std::u16string_view key) const { return SlotOfKey(key) >= 0; }
 
     // As At and Find, but a miss is a run-time error (for callers that report it).
     Value Item(int32_t position) const {
@@ -60,12 +62,14 @@ public:
     // As Add, answering false instead of raising when the key is present.
     bool TryAdd(std::u16string_view key, Value value) {
         std::u16string upper = UpperCase(key);
-        if (index_.count(upper)) return false;
-        int32_t slot = static_cast<int32_t>(slots_.size());
-        index_.emplace(upper, slot);
+        const uint32_t hash = HashOfUpper(upper);
+        if (Lookup(hash, [&](const std::u16string& stored) { return stored == upper; }) >= 0) return false;
+        // Grows (or clears out removal markers) at three quarters full.
+        if ((tableUsed_ + 1) * 4 > table_.size() * 3) Rehash(live_ + 1);
         slots_.push_back(Slot{std::move(upper), std::move(value)});
         AppendToTree();
         ++live_;
+        Place(static_cast<int32_t>(slots_.size()) - 1, hash);
         return true;
     }
 
@@ -77,9 +81,9 @@ public:
         return true;
     }
     bool Remove(std::u16string_view key) {
-        auto it = index_.find(UpperCase(key));
-        if (it == index_.end()) return false;
-        Kill(it->second);
+        int32_t slot = SlotOfKey(key);
+        if (slot < 0) return false;
+        Kill(slot);
         Squeeze();
         return true;
     }
@@ -103,7 +107,8 @@ public:
     void Clear() {
         slots_.clear();
         tree_.assign(1, 0);
-        index_.clear();
+        table_.clear();
+        tableUsed_ = 0;
         live_ = 0;
     }
 
@@ -148,9 +153,9 @@ private:
         tree_.push_back(1 + Prefix(i - 1) - Prefix(i - LowBit(i)));
     }
     void Kill(int32_t slot) {
-        index_.erase(slots_[slot].key);
+        Unindex(slot);
         slots_[slot].value.reset();
-        slots_[slot].key.clear();
+        std::u16string().swap(slots_[slot].key);
         for (int32_t i = slot + 1; i < static_cast<int32_t>(tree_.size()); i += LowBit(i)) --tree_[i];
         --live_;
     }
@@ -179,17 +184,90 @@ private:
             if (s.value) kept.push_back(std::move(s));
         slots_.clear();
         tree_.assign(1, 0);
-        index_.clear();
         for (Slot& s : kept) {
-            index_.emplace(s.key, static_cast<int32_t>(slots_.size()));
             slots_.push_back(std::move(s));
             AppendToTree();
+        }
+        Rehash(live_, true);
+    }
+
+    // The hash index: buckets hold a slot number and that slot's key hash. A removed
+    // entry leaves a kGone marker so that later probes walk past it.
+    static constexpr int32_t kEmpty = -1;
+    static constexpr int32_t kGone = -2;
+    struct Bucket {
+        int32_t slot = kEmpty;
+        uint32_t hash = 0;
+    };
+
+    // FNV-1a over the upper-cased units, so every letter case of a key hashes alike.
+    // A key already upper-cased is hashed as it stands.
+    template <class Unit>
+    static uint32_t Hash(std::u16string_view key, Unit unit) {
+        uint32_t h = 2166136261u;
+        for (char16_t c : key) h = (h ^ unit(c)) * 16777619u;
+        return h;
+    }
+    static uint32_t HashOf(std::u16string_view key) { return Hash(key, UpperUnit); }
+    static uint32_t HashOfUpper(std::u16string_view upper) {
+        return Hash(upper, [](char16_t c) { return c; });
+    }
+    size_t Mask() const { return table_.size() - 1; }
+    // The live slot whose stored key satisfies same(key), or -1.
+    template <class Same>
+    int32_t Lookup(uint32_t hash, Same&& same) const {
+        if (table_.empty()) return -1;
+        for (size_t b = hash & Mask();; b = (b + 1) & Mask()) {
+            const Bucket& at = table_[b];
+            if (at.slot == kEmpty) return -1;
+            if (at.slot >= 0 && at.hash == hash && same(slots_[at.slot].key)) return at.slot;
+        }
+    }
+    // The live slot under key in any letter case, or -1; the key is not copied.
+    int32_t SlotOfKey(std::u16string_view key) const {
+        return Lookup(HashOf(key), [&](const std::u16string& upper) {
+            if (upper.size() != key.size()) return false;
+            for (size_t i = 0; i < key.size(); ++i)
+                if (upper[i] != UpperUnit(key[i])) return false;
+            return true;
+        });
+    }
+    void Unindex(int32_t slot) {
+        if (table_.empty()) return;
+        for (size_t b = HashOfUpper(slots_[slot].key) & Mask(); table_[b].slot != kEmpty; b = (b + 1) & Mask()) {
+            if (table_[b].slot == slot) {
+                table_[b].slot = kGone;
+                return;
+            }
+        }
+    }
+    void Place(int32_t slot, uint32_t hash) {
+        size_t b = hash & Mask();
+        while (table_[b].slot != kEmpty) b = (b + 1) & Mask();
+        table_[b] = Bucket{slot, hash};
+        ++tableUsed_;
+    }
+    // A table at most half full for `entries` entries, indexing every live slot. The
+    // hashes kept in the buckets are reused unless the slots were renumbered.
+    void Rehash(int32_t entries, bool renumbered = false) {
+        size_t size = 8;
+        while (static_cast<size_t>(entries) * 2 > size) size *= 2;
+        std::vector<Bucket> old(size);
+        old.swap(table_);
+        tableUsed_ = 0;
+        if (renumbered) {
+            for (size_t slot = 0; slot < slots_.size(); ++slot)
+                Place(static_cast<int32_t>(slot), HashOfUpper(slots_[slot].key));
+        } else {
+            for (const Bucket& b : old)
+                if (b.slot >= 0) Place(b.slot, b.hash);
         }
     }
 
     std::vector<Slot> slots_;
     std::vector<int32_t> tree_ = std::vector<int32_t>(1, 0);
-    std::unordered_map<std::u16string, int32_t> index_;
+    std::vector<Bucket> table_;
+    size_t tableUsed_ = 0;  // buckets not kEmpty: live entries and removal markers
     int32_t live_ = 0;
 };
 

@@ -73,26 +73,29 @@ bool clsBinaryFile::CloseFile() {
     return !writeFailed_;
 }
 
-void clsBinaryFile::ReadBytes(char* into, size_t n) {
+bool clsBinaryFile::Refill() {
+    buffer_.resize(kBufferSize);
+    ssize_t got = -1;
+    if (IsOpen() && !writing_) {
+        do got = ::read(fd_, buffer_.data(), kBufferSize);
+        while (got < 0 && errno == EINTR);
+    }
+    buffer_.resize(got > 0 ? static_cast<size_t>(got) : 0);
+    bufferPos_ = 0;
+    if (got <= 0) hitEnd_ = true;  // past the end, or unreadable
+    return got > 0;
+}
+
+template <class Unit>
+void clsBinaryFile::ReadUnits(Unit* into, size_t n) {
     while (n > 0) {
-        if (bufferPos_ == buffer_.size()) {
-            buffer_.resize(kBufferSize);
-            ssize_t got = -1;
-            if (IsOpen() && !writing_) {
-                do got = ::read(fd_, buffer_.data(), kBufferSize);
-                while (got < 0 && errno == EINTR);
-            }
-            buffer_.resize(got > 0 ? static_cast<size_t>(got) : 0);
-            bufferPos_ = 0;
-            if (got <= 0) {
-                // Past the end (or unreadable): the rest reads as zeros.
-                std::fill(into, into + n, '\0');
-                hitEnd_ = true;
-                return;
-            }
+        if (bufferPos_ == buffer_.size() && !Refill()) {
+            std::fill(into, into + n, Unit(0));  // the rest reads as zeros
+            return;
         }
         size_t take = std::min(n, buffer_.size() - bufferPos_);
-        std::copy_n(buffer_.data() + bufferPos_, take, into);
+        const unsigned char* from = reinterpret_cast<const unsigned char*>(buffer_.data()) + bufferPos_;
+        std::copy_n(from, take, into);
         bufferPos_ += take;
         into += take;
         n -= take;
@@ -125,7 +128,7 @@ bool clsBinaryFile::Flush() {
 
 int32_t clsBinaryFile::LoadNumeric() {
     unsigned char b[4];
-    ReadBytes(reinterpret_cast<char*>(b), 4);
+    ReadUnits(b, 4);
     uint32_t v = uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 | uint32_t(b[3]) << 24;
     return static_cast<int32_t>(v);
 }
@@ -134,10 +137,8 @@ std::u16string clsBinaryFile::LoadString() {
     int32_t n = LoadNumeric();
     // The text of an overlong string is deliberately not skipped.
     if (n < 1 || n >= kMaxStringRead) return {};
-    std::string bytes(static_cast<size_t>(n), '\0');
-    ReadBytes(bytes.data(), bytes.size());
-    std::u16string text(bytes.size(), u'\0');
-    for (size_t i = 0; i < bytes.size(); ++i) text[i] = static_cast<unsigned char>(bytes[i]);
+    std::u16string text(static_cast<size_t>(n), u'\0');
+    ReadUnits(text.data(), text.size());  // each byte is one code unit
     return text;
 }
 

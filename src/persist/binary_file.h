@@ -43,7 +43,11 @@ public:
     bool HitEnd() const { return hitEnd_; }
 
 private:
-    void ReadBytes(char* into, size_t n);
+    // Reads n bytes, each widened to one Unit; what lies past the end reads as zeros.
+    template <class Unit>
+    void ReadUnits(Unit* into, size_t n);
+    // Reads the next block into the buffer; false (and HitEnd) when nothing came.
+    bool Refill();
     void WriteBytes(const char* from, size_t n);
     bool Flush();
 

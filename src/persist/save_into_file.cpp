@@ -71,7 +71,10 @@ int32_t clsSaveIntoFile::VersionOf(const std::u16string& signature) {
     if (e < text.size() && std::string_view("EeDd").find(text[e]) != std::string_view::npos) {
         size_t mark = ++e;
         if (e < text.size() && (text[e] == '+' || text[e] == '-')) ++e;
-        if (digits(e)) number += "E" + text.substr(mark, e - mark);
+        if (digits(e)) {
+            number += 'E';
+            number.append(text, mark, e - mark);
+        }
     }
     double scaled = std::nearbyint(std::strtod(number.c_str(), nullptr) * 10);  // half to even
     if (!(scaled > -2147483648.0 && scaled < 2147483647.0)) return 0;
