@@ -7,7 +7,7 @@
 
 namespace kestrel {
 
-class clsOneItem : public std::enable_shared_from_this<clsOneItem> {
+class clsOneItem {
 public:
     std::u16string Name;      // as written in the source
     int32_t Line = 0;         // -1 while just created and not yet refreshed
