@@ -51,14 +51,6 @@ TEST(HostileInput, DeepNesting) {
     std::string braces(5000, '{');
     braces += "\nint deep;\n" + std::string(5000, '}') + "\nint top;\n";
     EXPECT_EQ(ScanBytes(braces), (Calls{"variable\t4\t0\t::top\tint"}));
-
-    test::ErrorCapture capture;
-    std::string classes;
-    for (int i = 0; i < 2000; ++i) classes += "class C" + std::to_string(i) + "\n{\n";
-    classes += "int inner;\n";
-    EXPECT_EQ(ScanBytes(classes), Calls{});
-    ASSERT_EQ(capture.reports.size(), 1u);
-    EXPECT_EQ(capture.reports[0].title, "Sub TakeLevelsOut");
 }
 
 TEST(HostileInput, UnterminatedCommentsAndStrings) {
