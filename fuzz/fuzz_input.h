@@ -13,7 +13,9 @@
 #include <string>
 #include <string_view>
 #include <unistd.h>
+#include <vector>
 
+#include "common/text.h"
 #include "errorlog/errorlog.h"
 
 namespace kestrel::fuzz {
@@ -53,6 +55,18 @@ private:
     size_t size_;
     size_t pos_ = 0;
 };
+
+// The text cut at every `separator`, each piece read as UTF-8: the lines of an editor
+// buffer.
+inline std::vector<std::u16string> SplitLines(std::string_view text, char separator) {
+    std::vector<std::u16string> lines;
+    for (size_t from = 0;;) {
+        size_t to = text.find(separator, from);
+        lines.push_back(FromUtf8(text.substr(from, to == std::string_view::npos ? to : to - from)));
+        if (to == std::string_view::npos) return lines;
+        from = to + 1;
+    }
+}
 
 // One folder per process under the temporary directory, removed at exit. The path is
 // never destroyed, so that the clean-up at exit, which runs after static destructors

@@ -111,13 +111,7 @@ private:
     void RescanFromEditor() {
         FilePtr file = view_->files()->item(SourceName());
         EditorLines editor;
-        std::string_view text = in_.Bytes();
-        for (size_t from = 0;;) {
-            size_t to = text.find('\r', from);
-            editor.lines.push_back(FromUtf8(text.substr(from, to == std::string_view::npos ? to : to - from)));
-            if (to == std::string_view::npos) break;
-            from = to + 1;
-        }
+        editor.lines = fuzz::SplitLines(in_.Bytes(), '\r');
         if (file) file->UpdateEmbeededFile(editor);
     }
 

@@ -52,15 +52,7 @@ private:
 // An editor buffer: the text cut at `separator`.
 class BufferLines : public LineSource {
 public:
-    BufferLines(std::string_view text, char separator) {
-        size_t from = 0;
-        for (;;) {
-            size_t to = text.find(separator, from);
-            lines_.push_back(FromUtf8(text.substr(from, to == std::string_view::npos ? std::string_view::npos : to - from)));
-            if (to == std::string_view::npos) break;
-            from = to + 1;
-        }
-    }
+    BufferLines(std::string_view text, char separator) : lines_(kestrel::fuzz::SplitLines(text, separator)) {}
     int32_t GetLineCount() override { return static_cast<int32_t>(lines_.size()); }
     std::u16string Line(int32_t n) override {
         if (n < 1 || n > GetLineCount()) Fail("a line asked for outside the buffer");
