@@ -1,7 +1,7 @@
 // A host driving the model and the control on the in-memory platform with a random
 // sequence of calls: new project, write a source file, add, remove, rescan from disk
-// or from editor lines, expand, collapse, click, save, load, close, switch views and
-// let the load timer tick. Each byte picks the next call; the bytes after it are its
+// or from editor lines, add a list of files scanned ahead on worker threads, expand,
+// collapse, click, save, load, close, switch views and let the load timer tick. Each byte picks the next call; the bytes after it are its
 // arguments.
 #include <cstdio>
 #include <cstdlib>
@@ -42,7 +42,7 @@ public:
     }
 
     void Step() {
-        switch (in_.Below(18)) {
+        switch (in_.Below(19)) {
         case 0: view_->NewProject(ProjectName(), kLanguages[in_.Below(4)], in_.Int32()); break;
         case 1: fuzz::WriteFile(Folder() / "src" / kSourceNames[in_.Below(kSourceCount)], in_.Bytes()); break;
         case 2: view_->files()->Add(SourceName(), static_cast<int32_t>(in_.Below(6))); break;
@@ -87,6 +87,7 @@ public:
             view_->tView_MouseMove(static_cast<int16_t>(in_.Below(2)), button, shift, x, y);
             break;
         }
+        case 18: AddScannedAhead(); break;
         }
     }
 
@@ -113,6 +114,23 @@ private:
         EditorLines editor;
         editor.lines = fuzz::SplitLines(in_.Bytes(), '\r');
         if (file) file->UpdateEmbeededFile(editor);
+    }
+
+    // Lists files to be scanned ahead on worker threads, then adds them as listed, except
+    // that the host may skip one or add another file in its place.
+    void AddScannedAhead() {
+        AllFilesPtr files = view_->files();
+        files->SetScanThreads(in_.Below(3));
+        std::vector<std::pair<std::u16string, int32_t>> listed;
+        for (uint32_t n = in_.Below(6); n > 0; --n) listed.emplace_back(SourceName(), static_cast<int32_t>(in_.Below(6)));
+        files->ScanAheadOfAdd(listed);
+        for (const auto& [name, type] : listed) {
+            switch (in_.Below(4)) {
+            case 0: break;
+            case 1: files->Add(SourceName(), type); break;
+            default: files->Add(name, type); break;
+            }
+        }
     }
 
     // A node of tree t, by its place in the tree's outline.
