@@ -56,12 +56,14 @@ std::u16string UpperCase(std::u16string_view s) {
     return out;
 }
 
-std::u16string TrimSpaces(std::u16string_view s) {
+std::u16string_view TrimmedView(std::u16string_view s) {
     size_t b = 0, e = s.size();
     while (b < e && s[b] == u' ') ++b;
     while (e > b && s[e - 1] == u' ') --e;
-    return std::u16string(s.substr(b, e - b));
+    return s.substr(b, e - b);
 }
+
+std::u16string TrimSpaces(std::u16string_view s) { return std::u16string(TrimmedView(s)); }
 
 namespace {
 

@@ -19,6 +19,8 @@ inline char16_t UpperUnit(char16_t c) {
 std::u16string UpperCase(std::u16string_view s);
 // Removes leading and trailing spaces (code 32) only; tabs and other blanks stay.
 std::u16string TrimSpaces(std::u16string_view s);
+// The same, as a view into s.
+std::u16string_view TrimmedView(std::u16string_view s);
 
 // UTF-8 in, UTF-16 out. Validated strictly: overlong forms, encoded surrogates and
 // values above U+10FFFF are invalid; every byte that is not part of a valid sequence

@@ -43,6 +43,13 @@ std::u16string clsBinaryFile::OpenTemporaryBeside(const std::u16string& besideNa
     std::string beside = ToUtf8(besideName);
     struct stat existing {};
     bool keepMode = ::stat(beside.c_str(), &existing) == 0;
+    // The temporary replaces the file by a rename, which a read-only file would not
+    // stop; refuse it as writing the file in place would. The mode bits count too,
+    // because access() lets the superuser write anything.
+    if (keepMode && S_ISREG(existing.st_mode) &&
+        (::access(beside.c_str(), W_OK) != 0 || (existing.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0)) {
+        return {};
+    }
     for (int attempt = 0; attempt < 100; ++attempt) {
         std::string name = beside + ".tmp" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
         int fd = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);

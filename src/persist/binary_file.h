@@ -27,7 +27,8 @@ public:
     // UTF-8 encoded for the system. A handle already held is closed first.
     bool OpenFile(const std::u16string& szFileName, bool OpenForWrite);
     // Creates a new, empty file beside `besideName` (same folder, unique name) and opens
-    // it for writing; answers its name, or "" on failure.
+    // it for writing; answers its name, or "" on failure, also when `besideName` is a
+    // read-only file.
     std::u16string OpenTemporaryBeside(const std::u16string& besideName);
     // Writes what is buffered and closes; false when some write since opening failed.
     bool CloseFile();

@@ -1,6 +1,11 @@
 #include "scanner/line_cleaning.h"
 
 #include <algorithm>
+#include <cstdint>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "errorlog/errorlog.h"
 #include "scanner/splice_text.h"
@@ -52,42 +57,92 @@ bool StripComments(SpliceText& text, const SyntaxTable& syntax) {
 
 namespace {
 
-// One sweep, written without branches on the characters: a blank is kept only after
-// something that is not a blank, so leading blanks and runs both go.
-template <bool Collect>
+// Which units a line holds, one byte per unit value below 128 and one for every unit
+// above: a store per unit does not chain each step of the loop to the one before, as
+// setting bits in one word would.
+struct SeenUnits {
+    alignas(16) uint8_t seen[144] = {};
+    void Add(char16_t c) { seen[c < 128 ? c : 128] = 1; }
+    void AddTo(UnitSet& set) const {
+        uint64_t bits[2] = {0, 0};
+#if defined(__SSE2__)
+        const __m128i none = _mm_setzero_si128();
+        for (size_t c = 0; c < 128; c += 16) {
+            const __m128i bytes = _mm_load_si128(reinterpret_cast<const __m128i*>(seen + c));
+            const auto mask = static_cast<uint16_t>(~_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, none)));
+            bits[c >> 6] |= uint64_t{mask} << (c & 63);
+        }
+#else
+        for (size_t c = 0; c < 128; ++c) bits[c >> 6] |= uint64_t{seen[c]} << (c & 63);
+#endif
+        set.AddGathered(bits[0], bits[1], seen[128] != 0);
+    }
+};
+
+constexpr size_t kChunk = 8;
+
+// Cleans kChunk units at once when none of them is a blank that goes (one right after
+// a blank): tabs become spaces and the units move down to `to`, which never lies after
+// `from`; answers 0. Otherwise writes nothing and answers how many units, up to the
+// last blank that goes, must be cleaned one by one.
+inline size_t CleanChunk(const char16_t* from, char16_t* to, bool& afterBlank, SeenUnits* seen) {
+#if defined(__SSE2__)
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    const __m128i space = _mm_set1_epi16(u' ');
+    const __m128i tab = _mm_cmpeq_epi16(units, _mm_set1_epi16(u'\t'));
+    const int blanks = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(units, space), tab));  // two bits per unit
+    const int blankBefore = (blanks << 2) | (afterBlank ? 3 : 0);
+    if (const int going = blanks & blankBefore & 0xFFFF; going != 0) return static_cast<size_t>(32 - __builtin_clz(going)) / 2;
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_or_si128(_mm_andnot_si128(tab, units), _mm_and_si128(tab, space)));
+    afterBlank = (blanks & 0x8000) != 0;
+    if (seen)
+        for (size_t k = 0; k < kChunk; ++k) seen->Add(to[k]);
+    return 0;
+#else
+    (void)from, (void)to, (void)afterBlank, (void)seen;
+    return kChunk;
+#endif
+}
+
+// A blank is kept only after something that is not a blank, so leading blanks and
+// runs both go. Chunks without such blanks (most of a line past its indentation) go
+// through CleanChunk; runs of blanks unit by unit, without branches on the characters.
 std::u16string& Clean(std::u16string& line, UnitSet* present) {
     char16_t* text = line.data();
     const size_t n = line.size();
+    SeenUnits seen;
+    SeenUnits* record = present ? &seen : nullptr;
     size_t out = 0;
     bool afterBlank = true;
-    // The set is gathered in registers: adding to it in memory unit by unit would
-    // chain every step of the loop to the store before it.
-    uint64_t low = 0, high = 0;
-    bool other = false;
-    for (size_t i = 0; i < n; ++i) {
-        const char16_t c = text[i];
-        const bool blank = c == u' ' || c == u'\t';
-        const char16_t kept = blank ? u' ' : c;
-        text[out] = kept;
-        if constexpr (Collect) {
-            const uint64_t bit = uint64_t{1} << (kept & 63);
-            low |= kept < 64 ? bit : 0;
-            high |= kept >= 64 && kept < 128 ? bit : 0;
-            other |= kept >= 128;
+    size_t i = 0;
+    while (i < n && (text[i] == u' ' || text[i] == u'\t')) ++i;  // indentation goes whole
+    while (i < n) {
+        const size_t oneByOne = n - i >= kChunk ? CleanChunk(text + i, text + out, afterBlank, record) : n - i;
+        if (oneByOne == 0) {
+            i += kChunk;
+            out += kChunk;
+            continue;
         }
-        out += !(blank && afterBlank);
-        afterBlank = blank;
+        for (const size_t end = i + oneByOne; i < end; ++i) {
+            const char16_t c = text[i];
+            const bool blank = c == u' ' || c == u'\t';
+            const char16_t kept = blank ? u' ' : c;
+            text[out] = kept;
+            if (record) record->Add(kept);
+            out += !(blank && afterBlank);
+            afterBlank = blank;
+        }
     }
-    if constexpr (Collect) present->AddGathered(low, high, other);
+    if (present) seen.AddTo(*present);
     line.resize(out);
     return line;
 }
 
 }  // namespace
 
-std::u16string& CleanLine(std::u16string& line) { return Clean<false>(line, nullptr); }
+std::u16string& CleanLine(std::u16string& line) { return Clean(line, nullptr); }
 
-std::u16string& CleanLine(std::u16string& line, UnitSet& present) { return Clean<true>(line, &present); }
+std::u16string& CleanLine(std::u16string& line, UnitSet& present) { return Clean(line, &present); }
 
 void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
                     const std::vector<UnitSet>* present) {

@@ -13,6 +13,28 @@ namespace {
 constexpr std::string_view kModule = "clsQuillbox.cls";
 constexpr size_t npos = std::u16string_view::npos;
 
+// A list gathered over many lines can take in the rest of the file, and every
+// declaration inside it would repeat that; gathering stops past this many units.
+constexpr int64_t kMaxParamUnits = 65536;
+
+// The trimmed pieces of a list joined, keeping only the first kMaxParamUnits units.
+class Gathered {
+public:
+    Gathered& Add(std::u16string_view piece) {
+        piece = TrimmedView(piece);
+        text_.append(piece.substr(0, std::min(piece.size(), kMaxUnits - text_.size())));
+        return *this;
+    }
+    bool Full() const { return text_.size() == kMaxUnits; }
+    const std::u16string& Text() const { return text_; }
+
+private:
+    static constexpr size_t kMaxUnits = static_cast<size_t>(kMaxParamUnits);
+    std::u16string text_;
+};
+
+std::u16string Enclose(const Gathered& gathered) { return u"(" + TrimSpaces(gathered.Text()) + u")"; }
+
 // Walks `text` counting parentheses into `depth`; returns the index of the ")" that
 // brings it to 0, or npos.
 size_t WalkDepth(std::u16string_view text, int32_t& depth) {
@@ -35,7 +57,10 @@ void ParamCollector::BuildIndex() {
     int32_t balance = 0;
     for (int32_t n = 1; n <= lineCount_; ++n) {
         const std::u16string& line = LineAt(n);
-        if (line.find_first_not_of(u' ') != npos) textLines_.push_back(n);
+        if (size_t start = line.find_first_not_of(u' '); start != npos) {
+            textLines_.push_back(n);
+            trimmedBefore_.push_back(trimmedBefore_.back() + static_cast<int64_t>(line.find_last_not_of(u' ') + 1 - start));
+        }
         if (line.find_first_of(u"()") == npos) continue;
         int32_t running = 0, low = 0;
         for (char16_t c : line) {
@@ -63,6 +88,16 @@ int32_t ParamCollector::FirstAtMost(size_t node, size_t low, size_t high, size_t
     size_t middle = (low + high) / 2;
     int32_t found = FirstAtMost(2 * node, low, middle, from, limit);
     return found >= 0 ? found : FirstAtMost(2 * node + 1, middle, high, from, limit);
+}
+
+ParamCollector::LineRange ParamCollector::TextLinesBetween(int32_t from, int32_t to) const {
+    return {std::lower_bound(textLines_.begin(), textLines_.end(), from),
+            std::lower_bound(textLines_.begin(), textLines_.end(), to)};
+}
+
+int64_t ParamCollector::TrimmedUnits(const LineRange& range) const {
+    return trimmedBefore_[static_cast<size_t>(range.second - textLines_.begin())] -
+           trimmedBefore_[static_cast<size_t>(range.first - textLines_.begin())];
 }
 
 bool ParamCollector::FindClosingLine(int32_t from, int32_t depth, int32_t& line, int32_t& depthThere) const {
@@ -100,25 +135,33 @@ std::u16string ParamCollector::CollectParams(const RWord& wrd) {
 
         int32_t depth = 1;
         size_t at = WalkDepth(text, depth);
-        std::u16string collected;
         if (at != npos) {
-            collected = TrimSpaces(text.substr(0, at));
-        } else {
-            if (!indexed_) BuildIndex();
-            const int32_t first = wrd.Line + 1;
-            int32_t closing = 0, depthThere = 0;
-            if (!FindClosingLine(first, depth, closing, depthThere)) {
-                result = u"()";  // never closes: what was collected is dropped
-                return;
-            }
-            // Pieces from several lines are joined without a separator.
-            collected = TrimSpaces(text);
-            auto n = std::lower_bound(textLines_.begin(), textLines_.end(), first);
-            for (; n != textLines_.end() && *n < closing; ++n) collected += TrimSpaces(LineAt(*n));
-            std::u16string_view last = LineAt(closing);
-            collected += TrimSpaces(last.substr(0, WalkDepth(last, depthThere)));
+            result = Enclose(Gathered().Add(text.substr(0, at)));
+            return;
         }
-        result = u"(" + TrimSpaces(collected) + u")";
+        if (!indexed_) BuildIndex();
+        const int32_t first = wrd.Line + 1;
+        int32_t closing = 0, depthThere = 0;
+        const bool closes = FindClosingLine(first, depth, closing, depthThere);
+        std::u16string_view tail;
+        if (closes) {
+            std::u16string_view last = LineAt(closing);
+            tail = last.substr(0, WalkDepth(last, depthThere));
+        }
+        // Measured before anything is copied, so that a list that never closes costs
+        // nothing and a huge one only what it keeps.
+        const LineRange inner = TextLinesBetween(first, closes ? closing : lineCount_ + 1);
+        const int64_t length = static_cast<int64_t>(TrimmedView(text).size() + TrimmedView(tail).size()) +
+                               TrimmedUnits(inner);
+        if (!closes && length <= kMaxParamUnits) {
+            result = u"()";  // never closes: what was collected is dropped
+            return;
+        }
+        // Pieces from several lines are joined without a separator.
+        Gathered gathered;
+        gathered.Add(text);
+        for (auto n = inner.first; n != inner.second && !gathered.Full(); ++n) gathered.Add(LineAt(*n));
+        result = Enclose(gathered.Add(tail));
     });
     return result;
 }

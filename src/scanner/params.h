@@ -4,6 +4,7 @@
 // statement does not close it.
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "scanner/rword.h"
@@ -17,7 +18,9 @@ public:
     ParamCollector(const std::vector<std::u16string>& lines, int32_t lineCount) : lines_(lines), lineCount_(lineCount) {}
 
     // "(" + parameters + ")", "" when the statement holds no "(", and "()" when the
-    // list never closes before the end of the text.
+    // list never closes before the end of the text. Gathered text is cut to its first
+    // 65,536 units, and a list that never closes but gathers more than that returns the
+    // cut text: no real list comes near it, and it keeps the output linear in the input.
     std::u16string CollectParams(const RWord& wrd);
 
 private:
@@ -27,6 +30,11 @@ private:
     // start of `from` closes, with the depth it has at the start of that line; false
     // when it never closes.
     bool FindClosingLine(int32_t from, int32_t depth, int32_t& line, int32_t& depthThere) const;
+    // The text lines (holding more than blanks) in [from, to), and the sum of their
+    // trimmed lengths.
+    using LineRange = std::pair<std::vector<int32_t>::const_iterator, std::vector<int32_t>::const_iterator>;
+    LineRange TextLinesBetween(int32_t from, int32_t to) const;
+    int64_t TrimmedUnits(const LineRange& range) const;
     int32_t FirstAtMost(size_t node, size_t low, size_t high, size_t from, int32_t limit) const;
 
     const std::vector<std::u16string>& lines_;
@@ -36,6 +44,7 @@ private:
     // proportion to what it collects, not to the rest of the text:
     bool indexed_ = false;
     std::vector<int32_t> textLines_;   // lines holding more than blanks
+    std::vector<int64_t> trimmedBefore_{0};  // per text line: trimmed units of all earlier text lines
     std::vector<int32_t> parenLines_;  // lines holding a parenthesis
     std::vector<int32_t> balanceBefore_;  // per paren line: "(" minus ")" of all earlier lines
     std::vector<int32_t> lowest_;         // per paren line: balanceBefore_ + the lowest running balance in it

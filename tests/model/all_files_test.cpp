@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "common/constants.h"
@@ -122,4 +124,32 @@ TEST_F(ProjectFixture, UpdateAllFilesCollapsesFirstAndFollowsTheDisk) {
     files->RemoveAllFiles__();
     EXPECT_EQ(files->count(), 0);
     EXPECT_TRUE(sink->calls.empty());
+}
+
+TEST_F(ProjectFixture, AFileThatBecomesUnreadableScansAsEmptyAndComesBack) {
+    FilePtr cpp = files->Add(Path("src/view.cpp"), FILETYPE_IMPLEMENTATION);
+    const Calls emptied{"RemoveFunction CView::Draw src/view.cpp", "RemoveClass CView src/view.cpp",
+                        "RemoveFunction Globals::main src/view.cpp", "RemoveClass Globals src/view.cpp"};
+    std::vector<std::function<void()>> breakers{
+        [&] { fs::create_directory(dir / "src/view.cpp"); },                        // a folder now
+        [&] { ASSERT_EQ(::mkfifo((dir / "src/view.cpp").c_str(), 0644), 0); },     // a pipe nobody writes to
+    };
+    if (::geteuid() != 0) {  // the superuser reads files without read permission
+        breakers.push_back([&] {
+            Write("src/view.cpp", "int x;\n");
+            fs::permissions(dir / "src/view.cpp", fs::perms::none);
+        });
+    }
+    for (auto& breakFile : breakers) {
+        sink->Take();
+        fs::remove(dir / "src/view.cpp");
+        breakFile();
+        cpp->UpdateFile();
+        EXPECT_EQ(sink->Take(), emptied);
+        EXPECT_EQ(files->count(), 1);  // still listed, so a later rescan finds it again
+        fs::remove(dir / "src/view.cpp");
+        Write("src/view.cpp", "void CView::Draw( int x )\n{\n}\nint main()\n{\n}\n");
+        cpp->UpdateFile();
+        EXPECT_EQ(cpp->count(), 2);
+    }
 }

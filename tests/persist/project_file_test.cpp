@@ -242,3 +242,19 @@ TEST(ProjectFile, ASaveThatCannotWriteAnswersFalseAndKeepsTheOldFile) {
     for (auto& e : std::filesystem::directory_iterator(dir.path)) entries += e.is_regular_file();
     EXPECT_EQ(entries, 0);
 }
+
+TEST(ProjectFile, AReadOnlyProjectFileIsKeptAndSaveAnswersFalse) {
+    TempDir dir("kestrel-readonly");
+    Project p;
+    p.files->Add(u"/proj/a.cpp", FILETYPE_NOPARSE);
+    p.host.fileName = FromUtf8(dir / "p.kpr");
+    WriteBytes(dir / "p.kpr", "old bytes");
+    std::filesystem::permissions(dir.path / "p.kpr", std::filesystem::perms::owner_read | std::filesystem::perms::group_read);
+    EXPECT_FALSE(p.Save());
+    EXPECT_EQ(ReadBytes(dir / "p.kpr"), "old bytes");
+    int entries = 0;
+    for (auto& e : std::filesystem::directory_iterator(dir.path)) entries += e.is_regular_file();
+    EXPECT_EQ(entries, 1);  // no temporary left behind
+    std::filesystem::permissions(dir.path / "p.kpr", std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+    EXPECT_TRUE(p.Save());
+}
