@@ -45,6 +45,8 @@ public:
     std::u16string KeyVal() const;
     bool HasKeyVal() const { return keyForm_ != KeyForm::Empty; }
 
+    // A class finds its items through their keys (see ForEachKeyUnit), so an item that
+    // sits in a class keeps Name and KeyVal as its class filed it.
     void SetName(std::u16string_view name);
     void SetParams(std::u16string_view params);
     void SetUserData(std::u16string_view userData);
