@@ -14,6 +14,7 @@ namespace {
 
 std::mutex g_handlerLock;
 ErrorHandler g_handler;
+thread_local ErrorDiversion* t_diversion = nullptr;
 
 void MakeDirs(const std::string& dir) {
     for (size_t i = 1; i <= dir.size(); ++i) {
@@ -51,7 +52,21 @@ ErrorHandler SetErrorHandler(ErrorHandler handler) {
     return handler;
 }
 
+ErrorDiversion::ErrorDiversion(std::function<void(const ErrorReport&)> to)
+    : to_(std::move(to)), previous_(t_diversion) {
+    t_diversion = this;
+}
+
+ErrorDiversion::~ErrorDiversion() { t_diversion = previous_; }
+
 int16_t ReportError(std::string_view module, std::string_view title, int number, std::string_view message) {
+    if (t_diversion) {
+        try {
+            t_diversion->to_(ErrorReport{module, title, number, message});
+        } catch (...) {
+        }
+        return 0;
+    }
     ErrorHandler handler;
     {
         std::lock_guard<std::mutex> lock(g_handlerLock);

@@ -49,6 +49,22 @@ int16_t ReportError(std::string_view module, std::string_view title, int number,
 // An empty handler restores the default, which appends a line to ErrorLogPath() and answers 0.
 ErrorHandler SetErrorHandler(ErrorHandler handler);
 
+// While one lives on a thread, reports raised on that thread go to it instead of the
+// handler: work done on a helper thread keeps its reports for the thread that hands
+// its results on, in their place among them.
+class ErrorDiversion {
+public:
+    explicit ErrorDiversion(std::function<void(const ErrorReport&)> to);
+    ~ErrorDiversion();
+    ErrorDiversion(const ErrorDiversion&) = delete;
+    ErrorDiversion& operator=(const ErrorDiversion&) = delete;
+
+private:
+    friend int16_t ReportError(std::string_view, std::string_view, int, std::string_view);
+    std::function<void(const ErrorReport&)> to_;
+    ErrorDiversion* previous_;
+};
+
 // $XDG_STATE_HOME/kestrel/error.log, else ~/.local/state/kestrel/error.log.
 std::string ErrorLogPath();
 

@@ -1,5 +1,6 @@
 #include "model/all_files.h"
 
+#include "common/constants.h"
 #include "errorlog/resume.h"
 #include "persist/binary_file.h"
 
@@ -24,7 +25,8 @@ FilePtr clsAllFiles::Add(const std::u16string& FileName, int32_t nFileType) {
     std::shared_ptr<ModelSink> sink = sink_.lock();
     ModelSink& to = Required(sink);
     to.AddFile__(file);
-    file->UpdateFile__(sink.get(), static_cast<int16_t>(to.Language()), nullptr);
+    file->UpdateFile__(sink.get(), static_cast<int16_t>(to.Language()), nullptr, addsAhead_.get());
+    if (addsAhead_ && addsAhead_->AllTaken()) addsAhead_.reset();
     file->Dirty = true;
     for (int32_t i = 1; i <= file->count(); ++i) to.AddClassNode__WithDummy(file->Classes().At(i), file);
     return file;
@@ -47,8 +49,36 @@ void clsAllFiles::UpdateAllFiles() {
     Trap(kModule, "Sub UpdateAllFiles", [&] {
         std::shared_ptr<ModelSink> sink = sink_.lock();
         Required(sink).Collapse();
-        for (const FilePtr& f : files_) f->UpdateFile();
+        const auto language = static_cast<int16_t>(Required(sink).Language());
+        std::unique_ptr<ScanAhead> ahead;
+        if (scanThreads_ > 0) {
+            std::vector<std::pair<std::u16string, int32_t>> all;
+            for (const FilePtr& f : files_) all.emplace_back(f->FileName(), f->FileType());
+            ahead = std::make_unique<ScanAhead>(ScanJobs(all, language), scanThreads_);
+        }
+        for (const FilePtr& f : files_) f->UpdateFile(ahead.get());
     });
+}
+
+void clsAllFiles::ScanAheadOfAdd(const std::vector<std::pair<std::u16string, int32_t>>& files) {
+    addsAhead_.reset();
+    if (scanThreads_ == 0) return;
+    std::shared_ptr<ModelSink> sink = sink_.lock();
+    ModelSink& to = Required(sink);
+    // Named as the records will name them.
+    std::vector<std::pair<std::u16string, int32_t>> absolute;
+    for (const auto& [name, type] : files) absolute.emplace_back(to.AbsPath__(name), type);
+    addsAhead_ = std::make_unique<ScanAhead>(ScanJobs(absolute, static_cast<int16_t>(to.Language())), scanThreads_);
+}
+
+std::vector<ScanJob> clsAllFiles::ScanJobs(const std::vector<std::pair<std::u16string, int32_t>>& files,
+                                           int16_t language) {
+    std::vector<ScanJob> jobs;
+    for (const auto& [name, type] : files) {
+        if (type == FILETYPE_FORM || type == FILETYPE_NOPARSE) continue;  // listed, never scanned
+        jobs.push_back(ScanJob{name, type, language});
+    }
+    return jobs;
 }
 
 bool clsAllFiles::Remove(const std::u16string& FileName) {

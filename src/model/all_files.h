@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "model/keyed_collection.h"
 #include "model/model_sink.h"
@@ -24,6 +26,13 @@ public:
     FilePtr item(const std::u16string& key) const;
     // Collapses the tree, then rescans every file in order.
     void UpdateAllFiles();
+    // Files about to be added, in order, as (name as given to Add, file type): they are
+    // scanned on worker threads meanwhile, and each Add takes its file's scan. The
+    // project comes out exactly as if Add scanned every file itself.
+    void ScanAheadOfAdd(const std::vector<std::pair<std::u16string, int32_t>>& files);
+    // Worker threads for scanning ahead (also used by UpdateAllFiles); 0 scans every
+    // file on the calling thread. Starts as one per core, or 0 on a single core.
+    void SetScanThreads(unsigned threads) { scanThreads_ = threads; }
     bool Remove(const std::u16string& FileName);
     // First file whose absolute FileName equals the argument exactly.
     FilePtr FindFile(const std::u16string& FileName) const;
@@ -48,8 +57,13 @@ public:
     ~clsAllFiles();
 
 private:
+    // The jobs for the files (absolute names) that are scanned at all.
+    static std::vector<ScanJob> ScanJobs(const std::vector<std::pair<std::u16string, int32_t>>& files, int16_t language);
+
     KeyedCollection<clsOneFile> files_;
     std::weak_ptr<ModelSink> sink_;
+    unsigned scanThreads_ = ScanAhead::UsefulThreads();
+    std::unique_ptr<ScanAhead> addsAhead_;
 };
 
 }  // namespace kestrel

@@ -35,10 +35,12 @@ ClassPtr clsOneFile::item(const std::u16string& className) {
     return found;
 }
 
-void clsOneFile::UpdateFile() {
+void clsOneFile::UpdateFile() { UpdateFile(nullptr); }
+
+void clsOneFile::UpdateFile(ScanAhead* scanned) {
     Trap(kModule, "Sub UpdateFile", [&] {
         std::shared_ptr<ModelSink> sink = sink_.lock();
-        UpdateFile__(sink.get(), static_cast<int16_t>(Required(sink).Language()), nullptr);
+        UpdateFile__(sink.get(), static_cast<int16_t>(Required(sink).Language()), nullptr, scanned);
     });
 }
 
@@ -49,7 +51,7 @@ void clsOneFile::UpdateEmbeededFile(LineSource& SourceObject) {
     });
 }
 
-void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* source) {
+void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* source, ScanAhead* scanned) {
     Trap(kModule, "Sub UpdateFile__", [&] {
         stored_ = Required(sink).RelativePathToProject__(FileName());
         if (fileType_ == FILETYPE_FORM || fileType_ == FILETYPE_NOPARSE) return;  // listed, never scanned
@@ -62,8 +64,12 @@ void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* sou
             ~ForgetSink() { slot = nullptr; }
         } forget{updateSink_};
 
+        std::unique_ptr<RecordedScan> recorded =
+            scanned && !source ? scanned->Take(FileName(), fileType_, language) : nullptr;
         clsQuillbox scanner;
-        if (source)
+        if (recorded)
+            recorded->Replay(*this);
+        else if (source)
             scanner.ParseEmbeededFile(*this, language, *source);
         else
             scanner.ParseFile(*this, language);

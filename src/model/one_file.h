@@ -9,6 +9,7 @@
 #include "model/class_object.h"
 #include "model/keyed_collection.h"
 #include "model/model_sink.h"
+#include "scanner/scan_ahead.h"
 #include "scanner/scan_output.h"
 
 namespace kestrel {
@@ -38,6 +39,8 @@ public:
 
     // Rescans from disk, or from lines the host holds, in the sink's Language.
     void UpdateFile();
+    // The same, taking the scan from `scanned` when it has scanned this file ahead.
+    void UpdateFile(ScanAhead* scanned);
     void UpdateEmbeededFile(LineSource& SourceObject);
 
     ClassPtr GetClass(const std::u16string& ClassName) const;  // case-blind, nullptr on a miss
@@ -53,7 +56,7 @@ public:
     std::u16string GetTrueFile() const { return stored_; }
     // Stores the name project-relative, then (unless a form or unparsed file) marks,
     // scans through the scanner and sweeps what was not seen again.
-    void UpdateFile__(ModelSink* sink, int16_t language, LineSource* source);
+    void UpdateFile__(ModelSink* sink, int16_t language, LineSource* source, ScanAhead* scanned = nullptr);
     // Splits "Class::Member"; no "::" or an empty class name means "Globals".
     static void ExtractClassInfo(const std::u16string& fullName, std::u16string& className,
                                  std::u16string& memberName);

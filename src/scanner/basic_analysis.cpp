@@ -20,7 +20,7 @@ size_t UpTo(std::u16string_view text, std::u16string_view stops) {
 }  // namespace
 
 void BasicAnalysis::ProcessBasicDeclaration(RWord& wrd) {
-    Trap(kModule, "Sub ProcessBasicDeclaration", [&] {
+    Trap(kModule, kDeclarationTitle, [&] {
         std::u16string_view text = wrd.word;
         if (text.empty()) return;
         // "Function" first, so a line holding both is a function.
@@ -58,7 +58,7 @@ std::u16string BasicAnalysis::GetBasicScope(RWord& wrd) {
 }
 
 void BasicAnalysis::ProcessBasicVariable(RWord& wrd) {
-    Trap(kModule, "Sub ProcessBasicVariable", [&] {
+    Trap(kModule, kVariableTitle, [&] {
         if (wrd.word.empty() || wrd.Scope != kResultVariable) return;
         std::u16string text = GetBasicScope(wrd);
         std::u16string name;

@@ -2,6 +2,7 @@
 // Declaration analysis for Basic statements: procedure and variable names cut out by
 // plain (case-sensitive, first occurrence) searches for the language's keywords.
 #include <string>
+#include <string_view>
 
 #include "scanner/params.h"
 #include "scanner/rword.h"
@@ -11,6 +12,10 @@
 namespace kestrel {
 
 struct BasicAnalysis {
+    // The titles of the two traps; a write to the output that fails is reported under them.
+    static constexpr std::string_view kDeclarationTitle = "Sub ProcessBasicDeclaration";
+    static constexpr std::string_view kVariableTitle = "Sub ProcessBasicVariable";
+
     const SyntaxTable& syntax;
     ParamCollector& params;
     ScanOutput& output;

@@ -18,7 +18,7 @@ bool IsNameBreak(char16_t c) {
 }  // namespace
 
 void CAnalysis::ProcessDeclaration(RWord& wrd) {
-    Trap(kModule, "Sub ProcessDeclaration", [&] {
+    Trap(kModule, kDeclarationTitle, [&] {
         std::u16string_view text = wrd.word;
         if (!text.empty() && text[0] == u'#') return;  // preprocessor lines
         if (text.substr(0, 7) == u"typedef") return;
@@ -81,7 +81,7 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
 }
 
 void CAnalysis::ProcessCVariable(RWord& wrd) {
-    Trap(kModule, "Sub ProcessCVariable", [&] {
+    Trap(kModule, kVariableTitle, [&] {
         std::u16string& word = wrd.word;
         if (word.empty() || word[0] == u'#') return;
 

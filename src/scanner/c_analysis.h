@@ -13,6 +13,10 @@
 namespace kestrel {
 
 struct CAnalysis {
+    // The titles of the two traps; a write to the output that fails is reported under them.
+    static constexpr std::string_view kDeclarationTitle = "Sub ProcessDeclaration";
+    static constexpr std::string_view kVariableTitle = "Sub ProcessCVariable";
+
     const SyntaxTable& syntax;
     ParamCollector& params;
     ScanOutput& output;

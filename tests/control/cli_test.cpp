@@ -34,6 +34,13 @@ TEST_F(Cli, NewThenTreeExpandedOverTheExamples) {
     EXPECT_EQ(keys.out, Golden("examples_tree_keys.txt"));
     Outcome files = Kestrel("tree --files examples.kpr");
     EXPECT_EQ(files.out, "examples\n  Definition\n    shapes.h\n  Implementation\n    shapes.cpp\n");
+    // Scanning on several threads or on one writes the same bytes.
+    for (const char* jobs : {"1", "3"}) {
+        ASSERT_EQ(Kestrel(std::string("new jobs.kpr --jobs ") + jobs + " " + Examples()).status, 0);
+        EXPECT_EQ(ReadFileBytes(dir / "jobs.kpr"), ReadFileBytes(dir / "examples.kpr")) << jobs;
+        ASSERT_EQ(Kestrel(std::string("update jobs.kpr --jobs ") + jobs).status, 0);
+        EXPECT_EQ(ReadFileBytes(dir / "jobs.kpr"), ReadFileBytes(dir / "examples.kpr")) << jobs;
+    }
     // Without --expand every class waits behind its placeholder.
     Outcome closed = Kestrel("tree examples.kpr");
     EXPECT_NE(closed.out.find("  Shape\n    |\n"), std::string::npos) << closed.out;
@@ -106,6 +113,7 @@ TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {
         {"new p.kpr --type header x", 2,
          "kestrel new: --type must be impl, def, form, noparse or 1 to 4, not 'header' (kestrel new --help shows the "
          "usage)\n"},
+        {"new p.kpr --jobs 0", 2, "kestrel new: --jobs needs a number of at least 1 (kestrel new --help shows the usage)\n"},
         {"remove bad.kpr a.cpp", 1, "kestrel: bad.kpr: not a kestrel project file (wrong signature)\n"},
     };
     for (const Case& c : cases) {

@@ -13,7 +13,7 @@ namespace kestrel::cli {
 namespace {
 
 constexpr const char* kNewUsage =
-    "usage: kestrel new PROJECT [--language L] [--id N] [[--type T] FILE...]... [--files-from LIST]\n"
+    "usage: kestrel new PROJECT [--language L] [--id N] [--jobs N] [[--type T] FILE...]... [--files-from LIST]\n"
     "Creates the project file PROJECT, adds every FILE (a folder adds its files of the\n"
     "project's language, recursively, in sorted order, skipping hidden folders) and saves.\n"
     "  --language L      c (default), java, basic, or a language number\n"
@@ -22,10 +22,12 @@ constexpr const char* kNewUsage =
     "                    without it the extension decides (.h .hh .hpp .hxx .inl def,\n"
     "                    .frm .ctl .dsr form, .c .cc .cpp .cxx .java .bas .cls impl,\n"
     "                    anything else noparse)\n"
-    "  --files-from LIST one path per line of LIST (- reads standard input)\n";
+    "  --files-from LIST one path per line of LIST (- reads standard input)\n"
+    "  --jobs N          scan on N threads (default: one per core); the project file\n"
+    "                    comes out the same for every N\n";
 
 constexpr const char* kAddUsage =
-    "usage: kestrel add PROJECT [--type T] FILE... [--files-from LIST]\n"
+    "usage: kestrel add PROJECT [--jobs N] [--type T] FILE... [--files-from LIST]\n"
     "Loads PROJECT, adds and scans every FILE (folders as for kestrel new) and saves.\n";
 
 constexpr const char* kRemoveUsage =
@@ -34,13 +36,14 @@ constexpr const char* kRemoveUsage =
     "FILE is not in the project.\n";
 
 constexpr const char* kUpdateUsage =
-    "usage: kestrel update PROJECT\n"
-    "Loads PROJECT, rescans every file from disk and saves.\n";
+    "usage: kestrel update PROJECT [--jobs N]\n"
+    "Loads PROJECT, rescans every file from disk (on N threads, as for kestrel new) and saves.\n";
 
 struct ProjectArgs {
     std::string project;
     std::optional<int32_t> language;
     int32_t id = 0;
+    std::optional<int32_t> jobs;
     // Types and files in the order given: what a --type applies to depends on it.
     struct Step {
         enum Kind { Type, File, FilesFrom } kind;
@@ -48,6 +51,17 @@ struct ProjectArgs {
     };
     std::vector<Step> steps;
 };
+
+int32_t ParseJobs(const std::string& text) {
+    const int32_t jobs = ParseNumber("--jobs", text);
+    if (jobs < 1) throw UsageError("--jobs needs a number of at least 1");
+    return jobs;
+}
+
+// One job scans on the calling thread; more start that many workers.
+void UseJobs(ProjectSession& session, std::optional<int32_t> jobs) {
+    if (jobs) session.View().files()->SetScanThreads(*jobs > 1 ? static_cast<unsigned>(*jobs) : 0);
+}
 
 ProjectArgs ParseProjectArgs(const std::vector<std::string>& args, bool creating) {
     ProjectArgs parsed;
@@ -57,6 +71,8 @@ ProjectArgs ParseProjectArgs(const std::vector<std::string>& args, bool creating
             parsed.language = ParseLanguage(OptionValue(args, i));
         } else if (creating && a == "--id") {
             parsed.id = ParseNumber("--id", OptionValue(args, i));
+        } else if (a == "--jobs") {
+            parsed.jobs = ParseJobs(OptionValue(args, i));
         } else if (a == "--type") {
             const std::string& t = OptionValue(args, i);
             ParseFileType(t);
@@ -91,6 +107,9 @@ std::vector<SourceFile> GatherFiles(const ProjectArgs& parsed, int32_t language)
 void AddFiles(ProjectSession& session, const std::vector<SourceFile>& files) {
     Progress progress(files.size(), "scanned");
     AllFilesPtr all = session.View().files();
+    std::vector<std::pair<std::u16string, int32_t>> ahead;
+    for (const SourceFile& f : files) ahead.emplace_back(FromUtf8(f.path), f.type);
+    all->ScanAheadOfAdd(ahead);
     for (const SourceFile& f : files) {
         if (!all->Add(FromUtf8(f.path), f.type))
             std::cerr << "kestrel: " << f.path << ": already in the project, skipped\n";
@@ -106,6 +125,7 @@ int New(const std::vector<std::string>& args) {
     const std::vector<SourceFile> files = GatherFiles(parsed, language);
     ProjectSession session;
     session.View().NewProject(FromUtf8(AbsolutePath(parsed.project)), language, parsed.id);
+    UseJobs(session, parsed.jobs);
     AddFiles(session, files);
     session.Save();
     return Status(session);
@@ -115,6 +135,7 @@ int Add(const std::vector<std::string>& args) {
     const ProjectArgs parsed = ParseProjectArgs(args, false);
     ProjectSession session;
     session.Load(parsed.project);
+    UseJobs(session, parsed.jobs);
     const std::vector<SourceFile> files = GatherFiles(parsed, session.View().Language());
     AddFiles(session, files);
     session.Save();
@@ -139,10 +160,15 @@ int Remove(const std::vector<std::string>& args) {
 }
 
 int Update(const std::vector<std::string>& args) {
-    if (args.size() != 1 || args[0].starts_with("-"))
-        throw UsageError(args.empty() ? "no PROJECT given" : "unexpected argument '" + args.back() + "'");
+    if (args.empty() || args[0].starts_with("-")) throw UsageError("no PROJECT given");
+    std::optional<int32_t> jobs;
+    for (size_t i = 1; i < args.size(); ++i) {
+        if (args[i] != "--jobs") throw UsageError("unexpected argument '" + args[i] + "'");
+        jobs = ParseJobs(OptionValue(args, i));
+    }
     ProjectSession session;
     session.Load(args[0]);
+    UseJobs(session, jobs);
     if (!session.View().SaveComplete()) throw Failure(args[0], "cannot write the project file");
     return Status(session);
 }

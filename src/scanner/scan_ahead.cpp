@@ -1,0 +1,63 @@
+#include "scanner/scan_ahead.h"
+
+#include <algorithm>
+
+namespace kestrel {
+
+ScanAhead::ScanAhead(std::vector<ScanJob> jobs, unsigned threads)
+    : jobs_(std::move(jobs)), done_(jobs_.size()), window_(8 * std::max(threads, 1u) + 16) {
+    for (unsigned t = 0; t < std::max(threads, 1u); ++t) workers_.emplace_back([this] { Work(); });
+}
+
+ScanAhead::~ScanAhead() {
+    {
+        std::lock_guard<std::mutex> hold(lock_);
+        stopping_ = true;
+    }
+    changed_.notify_all();
+    for (std::thread& w : workers_) w.join();
+}
+
+bool ScanAhead::AllTaken() {
+    std::lock_guard<std::mutex> hold(lock_);
+    return nextToTake_ == jobs_.size();
+}
+
+unsigned ScanAhead::UsefulThreads() {
+    const unsigned cores = std::thread::hardware_concurrency();
+    return cores > 1 ? cores : 0;
+}
+
+void ScanAhead::Work() {
+    std::unique_lock<std::mutex> hold(lock_);
+    for (;;) {
+        changed_.wait(hold, [&] {
+            return stopping_ || (nextToScan_ < jobs_.size() && nextToScan_ < nextToTake_ + window_);
+        });
+        if (stopping_) return;
+        const size_t job = nextToScan_++;
+        hold.unlock();
+        auto scan = std::make_unique<RecordedScan>(jobs_[job].fileName, jobs_[job].fileType, jobs_[job].language);
+        scan->Scan();
+        hold.lock();
+        // Kept unless the taker has passed it by; the job it waits for is the last passed.
+        if (job + 1 >= nextToTake_) done_[job] = std::move(scan);
+        changed_.notify_all();
+    }
+}
+
+std::unique_ptr<RecordedScan> ScanAhead::Take(const std::u16string& fileName, int32_t fileType, int16_t language) {
+    std::unique_lock<std::mutex> hold(lock_);
+    size_t job = nextToTake_;
+    while (job < jobs_.size() &&
+           (jobs_[job].fileName != fileName || jobs_[job].fileType != fileType || jobs_[job].language != language))
+        ++job;
+    if (job == jobs_.size()) return nullptr;
+    for (size_t skipped = nextToTake_; skipped < job; ++skipped) done_[skipped].reset();
+    nextToTake_ = job + 1;
+    changed_.notify_all();  // the window moved on
+    changed_.wait(hold, [&] { return done_[job] != nullptr; });
+    return std::move(done_[job]);
+}
+
+}  // namespace kestrel

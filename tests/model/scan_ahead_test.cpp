@@ -1,0 +1,120 @@
+// Scanning on worker threads must leave no trace: the same sink calls, the same error
+// reports in the same places among them, the same model, for adds and full rescans.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+#include "common/constants.h"
+#include "model/all_files.h"
+#include "support/recording_sink.h"
+
+using namespace kestrel;
+namespace fs = std::filesystem;
+
+namespace {
+
+// A sink that also refuses every variable named "refused", as a failing tree would.
+class RefusingSink : public test::RecordingSink {
+public:
+    void AddVariable__(const ItemPtr& i, const ClassPtr& c, const FilePtr& f) override {
+        if (i->Name == u"refused") throw RuntimeError(kErrInvalidCall, "refused");
+        test::RecordingSink::AddVariable__(i, c, f);
+    }
+};
+
+struct Folder {
+    fs::path dir = fs::temp_directory_path() / ("kestrel-ahead-" + std::to_string(::getpid()));
+    std::vector<std::pair<std::u16string, int32_t>> files;
+
+    Folder() {
+        fs::remove_all(dir);
+        fs::create_directories(dir);
+        for (int i = 0; i < 40; ++i) {
+            std::string text = "class C" + std::to_string(i) + "\n{\npublic:\n  int refused;\n  void f(int a);\n};\n";
+            if (i % 7 == 3) {  // more open classes than the scanner keeps: a report mid-scan
+                for (int k = 0; k < 1100; ++k) text += "class N" + std::to_string(k) + "\n{\n";
+            }
+            Add("f" + std::to_string(i) + (i % 5 == 0 ? ".h" : ".cpp"), text, i % 5 == 0 ? FILETYPE_DEFINITION : FILETYPE_IMPLEMENTATION);
+        }
+        Add("notes.txt", "int ignored;\n", FILETYPE_NOPARSE);
+        fs::create_directory(dir / "folder.cpp");  // cannot be read
+        files.emplace_back(FromUtf8((dir / "folder.cpp").string()), FILETYPE_IMPLEMENTATION);
+    }
+    ~Folder() { fs::remove_all(dir); }
+    void Add(const std::string& name, const std::string& text, int32_t type) {
+        std::ofstream(dir / name) << text;
+        files.emplace_back(FromUtf8((dir / name).string()), type);
+    }
+};
+
+// Everything the host could observe: sink calls and error reports, in one sequence.
+struct ObservedRun {
+    std::vector<std::string> observed;
+    std::shared_ptr<RefusingSink> sink = std::make_shared<RefusingSink>();
+    std::shared_ptr<clsAllFiles> files = std::make_shared<clsAllFiles>();
+
+    explicit ObservedRun(unsigned threads) {
+        files->SetSinkObject__(sink);
+        files->SetScanThreads(threads);
+    }
+    template <class Step>
+    void Observe(Step&& step) {
+        ErrorHandler previous = SetErrorHandler([&](const ErrorReport& r) -> int16_t {
+            sink->calls.push_back("report " + std::string(r.title) + " " + std::string(r.message));
+            return 0;
+        });
+        step();
+        SetErrorHandler(previous);
+        for (std::string& c : sink->Take()) observed.push_back(std::move(c));
+    }
+};
+
+}  // namespace
+
+TEST(ScanAhead, AddsAndRescansOnWorkersAreIndistinguishableFromScanningInPlace) {
+    Folder folder;
+    std::vector<ObservedRun> runs;
+    for (unsigned threads : {0u, 1u, 3u}) {
+        ObservedRun& run = runs.emplace_back(threads);
+        run.Observe([&] {
+            run.files->ScanAheadOfAdd(folder.files);
+            for (const auto& [name, type] : folder.files) run.files->Add(name, type);
+        });
+        // Changed on disk, then rescanned as a whole.
+        std::ofstream(folder.dir / "f1.cpp") << "int changed;\n";
+        run.Observe([&] { run.files->UpdateAllFiles(); });
+        std::ofstream(folder.dir / "f1.cpp") << "class C1\n{\n  int refused;\n  void f(int a);\n};\n";
+    }
+    ASSERT_GT(runs[0].observed.size(), 200u);
+    EXPECT_NE(std::find(runs[0].observed.begin(), runs[0].observed.end(), "report Sub TakeLevelsOut Subscript out of range"),
+              runs[0].observed.end());
+    EXPECT_NE(std::find(runs[0].observed.begin(), runs[0].observed.end(), "report Sub WriteVariable__ refused"),
+              runs[0].observed.end());
+    EXPECT_EQ(runs[1].observed, runs[0].observed);
+    EXPECT_EQ(runs[2].observed, runs[0].observed);
+}
+
+TEST(ScanAhead, AddsThatLeaveTheListedOrderStillScanEveryFile) {
+    Folder folder;
+    ObservedRun serial(0), ahead(2);
+    serial.Observe([&] {
+        for (const auto& [name, type] : folder.files) serial.files->Add(name, type);
+    });
+    ahead.Observe([&] {
+        ahead.files->ScanAheadOfAdd(folder.files);
+        // Backwards, one skipped, and one added under another type than announced.
+        for (auto f = folder.files.rbegin(); f != folder.files.rend(); ++f) {
+            if (f->first.ends_with(u"f2.cpp")) continue;
+            ahead.files->Add(f->first, f->first.ends_with(u"f4.cpp") ? FILETYPE_DEFINITION : f->second);
+        }
+    });
+    EXPECT_EQ(ahead.files->count(), serial.files->count() - 1);
+    for (const FilePtr& f : ahead.files->Files()) {
+        FilePtr same = serial.files->FindFile(f->FileName());
+        ASSERT_TRUE(same);
+        EXPECT_EQ(f->count(), same->count()) << ToUtf8(f->FileName());
+    }
+}
