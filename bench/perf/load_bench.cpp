@@ -1,6 +1,6 @@
 // kestrel_perf load PROJECT [REPEAT]: loads a saved project into a TreeView on the
-// in-memory platform, as `kestrel tree` and a host do, and reports the best time and
-// the memory the loaded project holds per item.
+// in-memory platform, as `kestrel tree` and a host do, and reports the best time, the
+// memory the loaded project holds per item and the peak per 1,000 items while loading.
 #include <cstdlib>
 #include <stdexcept>
 
@@ -17,12 +17,14 @@ int LoadProject(const std::vector<std::string>& args) {
     const int repeat = args.size() > 1 ? std::atoi(args[1].c_str()) : 5;
 
     // The first load in a fresh process: what it adds to the resident memory.
+    ResetPeakResident();
     const int64_t before = ResidentBytes();
     auto first = std::make_unique<BenchHost>();
     double best = TimeMs([&] {
         if (!first->view->Load(project)) throw std::runtime_error("cannot load " + args[0]);
     });
     const int64_t after = ResidentBytes();
+    const int64_t peak = PeakResidentBytes();
     const long long items = CountItems(*first->view);
     first.reset();
 
@@ -32,8 +34,8 @@ int LoadProject(const std::vector<std::string>& args) {
     }
     Report("load_ms", best, "ms");
     Report("load_items", static_cast<double>(items), "items");
-    Report("load_bytes_per_item", items > 0 ? static_cast<double>(after - before) / static_cast<double>(items) : 0,
-           "bytes");
+    Report("load_bytes_per_item", PerItem(after - before, items), "bytes");
+    Report("load_peak_kb_per_1000_items", PerItem(peak - before, items), "kB");
     return 0;
 }
 

@@ -14,6 +14,7 @@ int main(int argc, char** argv) {
         {"scan", kestrel::perf::ScanOnly},
         {"generate", kestrel::perf::Generate},
         {"load", kestrel::perf::LoadProject},
+        {"build", kestrel::perf::BuildProject},
         {"rescan", kestrel::perf::Rescan},
         {"fill", kestrel::perf::Fill},
     };

@@ -8,6 +8,7 @@ namespace kestrel::perf {
 int ScanOnly(const std::vector<std::string>& args);
 int Generate(const std::vector<std::string>& args);
 int LoadProject(const std::vector<std::string>& args);
+int BuildProject(const std::vector<std::string>& args);
 int Rescan(const std::vector<std::string>& args);
 int Fill(const std::vector<std::string>& args);
 

@@ -34,6 +34,8 @@ double CpuMs() {
 int64_t ResidentBytes() { return StatusField("VmRSS"); }
 int64_t PeakResidentBytes() { return StatusField("VmHWM"); }
 
+void ResetPeakResident() { std::ofstream("/proc/self/clear_refs") << "5"; }
+
 std::vector<std::string> ReadList(const std::string& listPath) {
     std::ifstream in(listPath);
     if (!in) throw std::runtime_error("cannot read " + listPath);

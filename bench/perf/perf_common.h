@@ -31,6 +31,8 @@ double CpuMs();
 // Resident memory of this process now, and at its peak, in bytes (from /proc).
 int64_t ResidentBytes();
 int64_t PeakResidentBytes();
+// Starts the peak over from the resident memory of now (where the system allows it).
+void ResetPeakResident();
 
 // The lines of a file list (one path per line, empty lines skipped).
 std::vector<std::string> ReadList(const std::string& listPath);

@@ -30,20 +30,24 @@ std::u16string_view BuildKey(std::u16string& into, std::u16string_view marker, s
 std::u16string_view BuildEntryKey(std::u16string& into, bool isFunction, const clsClassObject& classObj,
                                   const clsOneItem& item) {
     // A variable read back from a project file may carry a "#n" key; one just scanned
-    // has no KeyVal yet and sits under its name.
-    const std::u16string& itemKey = isFunction || !item.KeyVal.empty() ? item.KeyVal : item.Name;
+    // has no KeyVal yet and sits under its name, which is the key its class reads too.
+    // A function's node always carries its KeyVal, even an empty one.
     BuildKey(into, isFunction ? kFunctionMarker : kVariableMarker, classObj.Name);
     into.append(kMemberSeparator);
-    into.append(itemKey);
+    if (!isFunction || item.HasKeyVal())
+        item.ForEachKeyUnit([&](char16_t c) {
+            into.push_back(c);
+            return true;
+        });
     return into;
 }
 
 std::u16string_view BuildEntryText(std::u16string& into, bool isFunction, const clsOneItem& item) {
-    if (isFunction) return BuildKey(into, item.Name, item.Params);
-    if (item.Params.empty()) return item.Name;
-    into.assign(item.Params);
+    if (isFunction) return BuildKey(into, item.Name(), item.Params());
+    if (item.Params().empty()) return item.Name();
+    into.assign(item.Params());
     into.append(u" ");
-    into.append(item.Name);
+    into.append(item.Name());
     return into;
 }
 
@@ -195,11 +199,11 @@ void TreeView::AddEntry(bool isFunction, const ItemPtr& item, const ClassPtr& cl
                                  : classTree_->AddLastChild(folder, key, text, image);
         // A new node has no tag yet: only this file's bit and the user data.
         entryText_.assign(1, static_cast<char16_t>(u'0' + FileBit(file)));
-        entryText_.append(item->UserData);
+        entryText_.append(item->UserData());
         classTree_->SetTag(node, entryText_);
         return;
     }
-    std::u16string tag = SetATag__(node, item->UserData);
+    std::u16string tag = SetATag__(node, item->UserData());
     // An empty tag: SetATag__ failed and has reported why.
     const auto digit = static_cast<char16_t>(u'0' + ((tag.empty() ? 0 : tag[0] - u'0') | FileBit(file)));
     if (tag.empty()) tag.push_back(digit);
@@ -207,11 +211,12 @@ void TreeView::AddEntry(bool isFunction, const ItemPtr& item, const ClassPtr& cl
     classTree_->SetTag(node, tag);
 }
 
-std::u16string TreeView::SetATag__(NodeId node, const std::u16string& text) {
+std::u16string TreeView::SetATag__(NodeId node, std::u16string_view text) {
     std::u16string tag;
     Trap(kModule, "Function SetATag__", [&] {
         const std::u16string old = classTree_->Tag(node);
-        tag = (StartsWithDigit(old) ? old.substr(0, 1) : u"0") + text;
+        tag = StartsWithDigit(old) ? old.substr(0, 1) : u"0";
+        tag.append(text);
     });
     return tag;
 }

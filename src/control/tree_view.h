@@ -114,7 +114,7 @@ public:
     NodeId FindClassNode__(const ClassPtr& classObj, const FilePtr& file, int16_t kind);
     void AddFunction__Prim(const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file);
     void AddVariable__Prim(const ItemPtr& item, const ClassPtr& classObj, const FilePtr& file);
-    std::u16string SetATag__(NodeId node, const std::u16string& text);
+    std::u16string SetATag__(NodeId node, std::u16string_view text);
     static int16_t SelectImage__(int16_t scope, int16_t base);
     void RemoveAll__();
     void ReloadClassView__();

@@ -25,25 +25,29 @@ int32_t VersionNumber(const std::u16string& text) {
     return negative ? -value : value;
 }
 
-// Adds a loaded item under firstKey, or else under its Name followed by "#1", "#2", ...
+// Adds a loaded item under firstKey, or else under its Name followed by "#1", "#2", ...,
+// and makes that its KeyVal.
 // Nothing is removed while a class loads, so a suffix found taken stays taken: each
 // name remembers where its search stopped, which keeps a file full of one repeated
 // name from costing quadratic time.
 class DuplicateRenamer {
 public:
-    explicit DuplicateRenamer(KeyedCollection<clsOneItem>& items) : items_(items) {}
+    explicit DuplicateRenamer(clsClassObject::Items& items) : items_(items) {}
 
-    void Add(const ItemPtr& item, std::u16string key) {
-        if (!items_.TryAdd(key, item)) {
-            int32_t& n = lastSuffix_[UpperCase(item->Name)];
-            do key = item->Name + u"#" + ToText(++n);
-            while (!items_.TryAdd(key, item));
+    void Add(const ItemPtr& item, std::u16string_view firstKey) {
+        if (items_.TryAdd(firstKey, item)) {
+            item->SetKeyVal(firstKey);
+            return;
         }
-        item->KeyVal = std::move(key);
+        int32_t& n = lastSuffix_[UpperCase(item->Name())];
+        std::u16string key;
+        do key = std::u16string(item->Name()) + u"#" + ToText(++n);
+        while (!items_.TryAdd(key, item));
+        item->SetKeyVal(key);
     }
 
 private:
-    KeyedCollection<clsOneItem>& items_;
+    clsClassObject::Items& items_;
     std::unordered_map<std::u16string, int32_t> lastSuffix_;
 };
 
@@ -63,7 +67,7 @@ std::u16string clsClassObject::MakeFuncKey__(std::u16string_view name, std::u16s
 
 int32_t clsClassObject::IsFunctionDefined(const std::u16string& szFuncName) const {
     for (const ItemPtr& f : functions_)
-        if (f->Name == szFuncName) return f->Line;
+        if (f->Name() == szFuncName) return f->Line;
     return -1;
 }
 
@@ -73,11 +77,8 @@ void clsClassObject::AddFunction__(const std::u16string& name, int32_t line, int
         std::u16string key = MakeFuncKey__(name, params);
         ItemPtr item = functions_.Find(key);
         if (!item) {
-            item = std::make_shared<clsOneItem>();
-            item->Name = name;
-            item->Params = params;
+            item = std::make_shared<clsOneItem>(name, params, key);
             functions_.Add(key, item);
-            item->KeyVal = key;
             item->Line = -1;  // a new item always differs from what is stored below
             item->Scope = -1;
         }
@@ -86,8 +87,8 @@ void clsClassObject::AddFunction__(const std::u16string& name, int32_t line, int
         // A free function is always public, whatever the scanner saw.
         int32_t stored = (Name == u"Globals" || Name.empty()) ? PUBLIC_SCOPE : scope;
         if (item->Scope != stored) item->Scope = stored;
-        if (item->Params != params) item->Params = params;
-        if (item->KeyVal != key) item->KeyVal = key;
+        if (item->Params() != params) item->SetParams(params);
+        item->SetKeyVal(key);
         IgnoreErrors([&] { Required(sink).AddFunction__(item, shared_from_this(), file); });
     });
 }
@@ -98,8 +99,7 @@ void clsClassObject::AddVariable__(const std::u16string& name, int32_t line, int
     IgnoreErrors([&] {
         item = variables_.Find(name);
         if (!item) {
-            item = std::make_shared<clsOneItem>();
-            item->Name = name;
+            item = std::make_shared<clsOneItem>(name, params);
             variables_.Add(name, item);
             item->Line = -1;
             item->Scope = -1;
@@ -107,7 +107,7 @@ void clsClassObject::AddVariable__(const std::u16string& name, int32_t line, int
         item->Used = true;
         if (item->Line != line) item->Line = line;
         if (item->Scope != scope) item->Scope = scope;
-        if (item->Params != params) item->Params = params;
+        if (item->Params() != params) item->SetParams(params);
     });
     // Unlike AddFunction__, an error from the sink reaches the caller.
     Required(sink).AddVariable__(item, shared_from_this(), file);
@@ -184,13 +184,13 @@ void clsClassObject::LoadFromBinaryData(const std::u16string& version, ModelSink
         for (int32_t n = in.LoadNumeric(), k = 0; k < n && !in.HitEnd(); ++k) {
             auto item = std::make_shared<clsOneItem>();
             item->LoadFromBinaryFile(itemVersion);
-            vars.Add(item, item->Name);
+            vars.Add(item, item->Name());
         }
         DuplicateRenamer funcs(functions_);
         for (int32_t n = in.LoadNumeric(), k = 0; k < n && !in.HitEnd(); ++k) {
             auto item = std::make_shared<clsOneItem>();
             item->LoadFromBinaryFile(itemVersion);
-            funcs.Add(item, MakeFuncKey__(item->Name, item->Params));
+            funcs.Add(item, MakeFuncKey__(item->Name(), item->Params()));
         }
         if (CountVars() > 0 || CountFunc() > 0) Required(sink).AddClassNode__WithDummy(shared_from_this(), file);
     });

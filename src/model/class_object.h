@@ -51,12 +51,13 @@ public:
     void LoadFromBinaryData(const std::u16string& version, ModelSink* sink, const FilePtr& file);
 
     // In-order iteration for writers and the control.
-    const KeyedCollection<clsOneItem>& Functions() const { return functions_; }
-    const KeyedCollection<clsOneItem>& Variables() const { return variables_; }
+    using Items = KeyedCollection<clsOneItem, KeySource::Value>;
+    const Items& Functions() const { return functions_; }
+    const Items& Variables() const { return variables_; }
 
 private:
-    KeyedCollection<clsOneItem> variables_;
-    KeyedCollection<clsOneItem> functions_;
+    Items variables_;
+    Items functions_;
 };
 
 }  // namespace kestrel

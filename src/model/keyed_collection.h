@@ -7,7 +7,9 @@
 // are squeezed out once they outnumber the live entries. Key lookup is a hash lookup
 // in an open-addressing table of slot numbers: each key is stored once, upper-cased,
 // in its slot, and a looked-up key is hashed and compared unit by unit through
-// UpperUnit, so neither a lookup nor the index makes a copy of a key.
+// UpperUnit, so neither a lookup nor the index makes a copy of a key. Entries that
+// know their own key (KeySource::Value: the value's ForEachKeyUnit) are not given a
+// copy at all; such an entry must keep answering the key it was added under.
 // So a class with 50,000 members, or a project with 50,000 files, stays fast for
 // every access pattern the model uses (append, lookup, sweep, "remove position 1
 // until empty").
@@ -15,6 +17,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -23,7 +26,10 @@
 
 namespace kestrel {
 
-template <class T>
+// Where a collection finds an entry's key: a copy it keeps, or the entry itself.
+enum class KeySource { Copy, Value };
+
+template <class T, KeySource Keys = KeySource::Copy>
 class KeyedCollection {
 public:
     using Value = std::shared_ptr<T>;
@@ -61,12 +67,19 @@ public:
     }
     // As Add, answering false instead of raising when the key is present.
     bool TryAdd(std::u16string_view key, Value value) {
-        std::u16string upper = UpperCase(key);
-        const uint32_t hash = HashOfUpper(upper);
-        if (Lookup(hash, [&](const std::u16string& stored) { return stored == upper; }) >= 0) return false;
-        // Grows (or clears out removal markers) at three quarters full.
-        if ((tableUsed_ + 1) * 4 > table_.size() * 3) Rehash(live_ + 1);
-        slots_.push_back(Slot{std::move(upper), std::move(value)});
+        uint32_t hash;
+        if constexpr (kKeysCopied) {
+            std::u16string upper = UpperCase(key);
+            hash = HashOfUpper(upper);
+            if (Lookup(hash, [&](const Slot& s) { return s.key == upper; }) >= 0) return false;
+            Reserve();
+            slots_.push_back(Slot{std::move(upper), std::move(value)});
+        } else {
+            hash = HashOf(key);
+            if (Lookup(hash, [&](const Slot& s) { return SameKey(s, key); }) >= 0) return false;
+            Reserve();
+            slots_.push_back(Slot{std::move(value)});
+        }
         AppendToTree();
         ++live_;
         Place(static_cast<int32_t>(slots_.size()) - 1, hash);
@@ -136,10 +149,20 @@ public:
     const_iterator end() const { return const_iterator(this, slots_.size()); }
 
 private:
-    struct Slot {
+    static constexpr bool kKeysCopied = Keys == KeySource::Copy;
+    struct CopiedKeySlot {
         std::u16string key;  // upper-cased
         Value value;         // nullptr once removed
     };
+    struct ValueKeySlot {
+        Value value;  // nullptr once removed
+    };
+    using Slot = std::conditional_t<kKeysCopied, CopiedKeySlot, ValueKeySlot>;
+
+    // Grows the index (or clears out removal markers) at three quarters full.
+    void Reserve() {
+        if ((tableUsed_ + 1) * 4 > table_.size() * 3) Rehash(live_ + 1);
+    }
 
     // tree_[i] (1-based) counts the live slots in (i - lowbit(i), i].
     static int32_t LowBit(int32_t i) { return i & -i; }
@@ -155,7 +178,7 @@ private:
     void Kill(int32_t slot) {
         Unindex(slot);
         slots_[slot].value.reset();
-        std::u16string().swap(slots_[slot].key);
+        if constexpr (kKeysCopied) std::u16string().swap(slots_[slot].key);
         for (int32_t i = slot + 1; i < static_cast<int32_t>(tree_.size()); i += LowBit(i)) --tree_[i];
         --live_;
     }
@@ -212,29 +235,53 @@ private:
     static uint32_t HashOfUpper(std::u16string_view upper) {
         return Hash(upper, [](char16_t c) { return c; });
     }
+    // The hash of a live slot's key, as HashOf gives it for the key added under.
+    static uint32_t HashOfSlot(const Slot& s) {
+        if constexpr (kKeysCopied) {
+            return HashOfUpper(s.key);
+        } else {
+            uint32_t h = 2166136261u;
+            s.value->ForEachKeyUnit([&](char16_t c) {
+                h = (h ^ UpperUnit(c)) * 16777619u;
+                return true;
+            });
+            return h;
+        }
+    }
+    // Whether a live slot's key equals key in any letter case.
+    static bool SameKey(const Slot& s, std::u16string_view key) {
+        if constexpr (kKeysCopied) {
+            if (s.key.size() != key.size()) return false;
+            for (size_t i = 0; i < key.size(); ++i)
+                if (s.key[i] != UpperUnit(key[i])) return false;
+            return true;
+        } else {
+            size_t at = 0;
+            return s.value->ForEachKeyUnit([&](char16_t c) {
+                if (at == key.size() || UpperUnit(c) != UpperUnit(key[at])) return false;
+                ++at;
+                return true;
+            }) && at == key.size();
+        }
+    }
     size_t Mask() const { return table_.size() - 1; }
-    // The live slot whose stored key satisfies same(key), or -1.
+    // The live slot that satisfies same(slot), or -1.
     template <class Same>
     int32_t Lookup(uint32_t hash, Same&& same) const {
         if (table_.empty()) return -1;
         for (size_t b = hash & Mask();; b = (b + 1) & Mask()) {
             const Bucket& at = table_[b];
             if (at.slot == kEmpty) return -1;
-            if (at.slot >= 0 && at.hash == hash && same(slots_[at.slot].key)) return at.slot;
+            if (at.slot >= 0 && at.hash == hash && same(slots_[at.slot])) return at.slot;
         }
     }
     // The live slot under key in any letter case, or -1; the key is not copied.
     int32_t SlotOfKey(std::u16string_view key) const {
-        return Lookup(HashOf(key), [&](const std::u16string& upper) {
-            if (upper.size() != key.size()) return false;
-            for (size_t i = 0; i < key.size(); ++i)
-                if (upper[i] != UpperUnit(key[i])) return false;
-            return true;
-        });
+        return Lookup(HashOf(key), [&](const Slot& s) { return SameKey(s, key); });
     }
     void Unindex(int32_t slot) {
         if (table_.empty()) return;
-        for (size_t b = HashOfUpper(slots_[slot].key) & Mask(); table_[b].slot != kEmpty; b = (b + 1) & Mask()) {
+        for (size_t b = HashOfSlot(slots_[slot]) & Mask(); table_[b].slot != kEmpty; b = (b + 1) & Mask()) {
             if (table_[b].slot == slot) {
                 table_[b].slot = kGone;
                 return;
@@ -257,7 +304,7 @@ private:
         tableUsed_ = 0;
         if (renumbered) {
             for (size_t slot = 0; slot < slots_.size(); ++slot)
-                Place(static_cast<int32_t>(slot), HashOfUpper(slots_[slot].key));
+                Place(static_cast<int32_t>(slot), HashOfSlot(slots_[slot]));
         } else {
             for (const Bucket& b : old)
                 if (b.slot >= 0) Place(b.slot, b.hash);

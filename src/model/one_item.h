@@ -1,25 +1,99 @@
 #pragma once
 // One function or one variable of a class.
+//
+// A project holds tens of thousands of items, so an item keeps its texts in a single
+// allocation behind accessors: Name, Params and UserData side by side, and KeyVal only
+// when it is not one the item can rebuild (a variable's own Name, or a function's name
+// and parameters upper-cased without spaces, which is nearly always the case).
+// An item with no text at all allocates nothing.
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
 
+#include "common/text.h"
 #include "model/model_sink.h"
 
 namespace kestrel {
 
 class clsOneItem {
 public:
-    std::u16string Name;      // as written in the source
-    int32_t Line = 0;         // -1 while just created and not yet refreshed
-    int32_t Scope = 0;        // a Scope value; -1 as for Line
-    bool Used = false;        // mark of the current update pass
-    std::u16string UserData;  // host's text, never interpreted
-    int32_t UserId = 0;       // host's number, never interpreted
-    std::u16string Params;    // parameter text of a function (or type text of a variable)
-    std::u16string KeyVal;    // key under which the item sits in its class
+    int32_t Line = 0;    // -1 while just created and not yet refreshed
+    int32_t Scope = 0;   // a Scope value; -1 as for Line
+    int32_t UserId = 0;  // host's number, never interpreted
+    bool Used = false;   // mark of the current update pass
 
-    // Reads the item record from g_BinaryFile(); Params only from version 11 on.
+private:
+    // How KeyVal is held: not at all (empty), as Name, as the function key of Name and
+    // Params, or as its own text after UserData. Declared here to fill the padding
+    // after Used.
+    enum class KeyForm : uint8_t { Empty, SameAsName, FunctionKey, Stored };
+    KeyForm keyForm_ = KeyForm::Empty;
+
+public:
+    clsOneItem() = default;
+    clsOneItem(std::u16string_view name, std::u16string_view params, std::u16string_view keyVal = {});
+    clsOneItem(const clsOneItem& other);
+    clsOneItem& operator=(const clsOneItem& other);
+
+    std::u16string_view Name() const { return {texts_.get(), nameLen_}; }  // as written in the source
+    // Parameter text of a function (or type text of a variable).
+    std::u16string_view Params() const { return {texts_.get() + nameLen_, paramsLen_}; }
+    // Host's text, never interpreted.
+    std::u16string_view UserData() const { return {texts_.get() + nameLen_ + paramsLen_, userDataLen_}; }
+    // Key under which the item sits in its class; empty for a variable added by a scan.
+    std::u16string KeyVal() const;
+    bool HasKeyVal() const { return keyForm_ != KeyForm::Empty; }
+
+    // A class finds its items through their keys (see ForEachKeyUnit), so an item that
+    // sits in a class keeps Name and KeyVal as its class filed it.
+    void SetName(std::u16string_view name);
+    void SetParams(std::u16string_view params);
+    void SetUserData(std::u16string_view userData);
+    void SetKeyVal(std::u16string_view keyVal);
+
+    // Calls visit(unit) for each code unit of the key the item's class files it under
+    // (KeyVal, or Name while KeyVal is empty), until visit answers false; answers
+    // whether every unit was visited. Nothing is copied.
+    template <class Visit>
+    bool ForEachKeyUnit(Visit&& visit) const {
+        switch (keyForm_) {
+            case KeyForm::Stored:
+                return ForEachUnit(StoredKey(), visit);
+            case KeyForm::FunctionKey:
+                for (std::u16string_view part : {Name(), Params()})
+                    for (char16_t c : part)
+                        if (c != u' ' && !visit(UpperUnit(c))) return false;
+                return true;
+            default:
+                return ForEachUnit(Name(), visit);
+        }
+    }
+
+    // Reads the item record from g_BinaryFile(); Params only from version 11 on. KeyVal
+    // is left empty for the class to set.
     void LoadFromBinaryFile(int32_t version);
+
+private:
+    std::u16string_view StoredKey() const {
+        return {texts_.get() + nameLen_ + paramsLen_ + userDataLen_, keyLen_};
+    }
+    template <class Visit>
+    static bool ForEachUnit(std::u16string_view text, Visit& visit) {
+        for (char16_t c : text)
+            if (!visit(c)) return false;
+        return true;
+    }
+    static KeyForm FormOf(std::u16string_view name, std::u16string_view params, std::u16string_view keyVal);
+    // Replaces every text at once; the views may point into the item's own texts.
+    void Store(std::u16string_view name, std::u16string_view params, std::u16string_view userData,
+               std::u16string_view keyVal);
+
+    std::unique_ptr<char16_t[]> texts_;  // Name, Params, UserData, then a stored KeyVal
+    uint32_t nameLen_ = 0;
+    uint32_t paramsLen_ = 0;
+    uint32_t userDataLen_ = 0;
+    uint32_t keyLen_ = 0;  // of a stored KeyVal only
 };
 
 }  // namespace kestrel

@@ -141,12 +141,18 @@ int32_t clsBinaryFile::LoadNumeric() {
 }
 
 std::u16string clsBinaryFile::LoadString() {
-    int32_t n = LoadNumeric();
-    // The text of an overlong string is deliberately not skipped.
-    if (n < 1 || n >= kMaxStringRead) return {};
-    std::u16string text(static_cast<size_t>(n), u'\0');
-    ReadUnits(text.data(), text.size());  // each byte is one code unit
+    std::u16string text;
+    LoadString(text);
     return text;
+}
+
+void clsBinaryFile::LoadString(std::u16string& into) {
+    int32_t n = LoadNumeric();
+    into.clear();
+    // The text of an overlong string is deliberately not skipped.
+    if (n < 1 || n >= kMaxStringRead) return;
+    into.resize(static_cast<size_t>(n));
+    ReadUnits(into.data(), into.size());  // each byte is one code unit
 }
 
 void clsBinaryFile::SaveNumeric(int32_t lNum) {
@@ -155,7 +161,7 @@ void clsBinaryFile::SaveNumeric(int32_t lNum) {
     WriteBytes(b, 4);
 }
 
-void clsBinaryFile::SaveString(const std::u16string& sz) {
+void clsBinaryFile::SaveString(std::u16string_view sz) {
     SaveNumeric(static_cast<int32_t>(sz.size()));
     std::string bytes(sz.size(), '?');
     for (size_t i = 0; i < sz.size(); ++i)

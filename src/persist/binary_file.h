@@ -8,6 +8,7 @@
 // damaged file can stop instead of running through counts the file cannot hold.
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kestrel {
@@ -35,8 +36,10 @@ public:
 
     int32_t LoadNumeric();
     std::u16string LoadString();
+    // As LoadString, into a string whose room is reused.
+    void LoadString(std::u16string& into);
     void SaveNumeric(int32_t lNum);
-    void SaveString(const std::u16string& sz);
+    void SaveString(std::u16string_view sz);
     // Back to the start of the file.
     void Reset();
 

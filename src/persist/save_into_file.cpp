@@ -129,12 +129,12 @@ void clsSaveIntoFile::SaveClassObject__(const clsClassObject& classObj) {
 
 void clsSaveIntoFile::SaveOneItem__(const clsOneItem& item, bool /*isVariable: same record either way*/) {
     clsBinaryFile& out = g_BinaryFile();
-    out.SaveString(item.Name);
+    out.SaveString(item.Name());
     out.SaveNumeric(item.Line);
     out.SaveNumeric(item.Scope);
     out.SaveNumeric(item.UserId);
-    out.SaveString(item.UserData);
-    out.SaveString(item.Params);
+    out.SaveString(item.UserData());
+    out.SaveString(item.Params());
 }
 
 bool clsSaveIntoFile::Load(const std::u16string& szFileName, ProjectHost& ctl, clsAllFiles& files) {

@@ -60,18 +60,13 @@ protected:
     }
     static ItemPtr MakeFunction(const std::u16string& name, const std::u16string& params, int32_t scope = PUBLIC_SCOPE,
                                 const std::u16string& userData = u"") {
-        auto item = std::make_shared<clsOneItem>();
-        item->Name = name;
-        item->Params = params;
+        auto item = std::make_shared<clsOneItem>(name, params, clsClassObject::MakeFuncKey__(name, params));
         item->Scope = scope;
-        item->UserData = userData;
-        item->KeyVal = clsClassObject::MakeFuncKey__(name, params);
+        item->SetUserData(userData);
         return item;
     }
     static ItemPtr MakeVariable(const std::u16string& name, const std::u16string& type, int32_t scope = PUBLIC_SCOPE) {
-        auto item = std::make_shared<clsOneItem>();
-        item->Name = name;
-        item->Params = type;
+        auto item = std::make_shared<clsOneItem>(name, type);
         item->Scope = scope;
         return item;
     }

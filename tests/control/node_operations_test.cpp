@@ -51,7 +51,7 @@ TEST_F(NodeOperations, ARepeatedEntryIsARefreshNotASecondNode) {
     ClassPtr c = MakeClass(u"C");
     ItemPtr f = MakeFunction(u"Run", u"()", PUBLIC_SCOPE, u"first");
     view->AddFunction__(f, c, file);
-    f->UserData = u"second";
+    f->SetUserData(u"second");
     f->Scope = PRIVATE_SCOPE;
     view->AddFunction__(f, c, file);
     NodeId node = Node(u"!!C::RUN()");

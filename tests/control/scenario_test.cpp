@@ -48,10 +48,10 @@ TEST_F(Scenario, NewAddQueryEditSaveCloseLoadInTheBackgroundAndExpand) {
     EXPECT_EQ(platform.classTree.Tag(Node(u"!!CView::DRAW(INTMODE)")), u"3");
     ItemPtr draw = source->InProc(2);
     ASSERT_TRUE(draw);
-    EXPECT_EQ(draw->Name, u"Draw");
+    EXPECT_EQ(draw->Name(), u"Draw");
 
     // The host tags the function, then the user edits the file without saving it.
-    draw->UserData = u"drawn on every paint";
+    draw->SetUserData(u"drawn on every paint");
     TextLines edited{u"void CView::Draw(int mode)", u"{", u"}", u"void CView::Erase()", u"{", u"}"};
     source->UpdateEmbeededFile(edited);
     EXPECT_NE(Node(u"!!CView::ERASE()"), kNoNode);

@@ -66,7 +66,7 @@ TEST_F(ProjectFixture, HeaderAndImplementationMeetUnderOneClassKey) {
     ItemPtr declared = h->GetClass(u"CView")->func(1);
     ItemPtr defined = cpp->GetClass(u"cview")->func(1);
     ASSERT_TRUE(declared && defined);
-    EXPECT_EQ(declared->KeyVal, defined->KeyVal);
+    EXPECT_EQ(declared->KeyVal(), defined->KeyVal());
     EXPECT_EQ(files->FindClass(u"CVIEW", FILETYPE_DEFINITION), h->GetClass(u"CView"));
     EXPECT_EQ(files->FindClass(u"CView", FILETYPE_IMPLEMENTATION), cpp->GetClass(u"CView"));
     EXPECT_EQ(files->FindClass(u"CView", FILETYPE_FORM), nullptr);  // no fallback to other types

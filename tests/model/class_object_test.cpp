@@ -52,10 +52,10 @@ TEST_F(ClassFixture, SameFunctionWithOtherSpacingOrCaseIsOneRefreshedEntry) {
     Func(u"FOO", 9, u"( int a )");
     ASSERT_EQ(cls->CountFunc(), 1);
     ItemPtr f = cls->func(1);
-    EXPECT_EQ(f->Name, u"Foo");  // an existing item's name is never rewritten
+    EXPECT_EQ(f->Name(), u"Foo");  // an existing item's name is never rewritten
     EXPECT_EQ(f->Line, 9);
-    EXPECT_EQ(f->Params, u"( int a )");
-    EXPECT_EQ(f->KeyVal, u"FOO(INTA)");
+    EXPECT_EQ(f->Params(), u"( int a )");
+    EXPECT_EQ(f->KeyVal(), u"FOO(INTA)");
     EXPECT_EQ(cls->func(u"foo(inta)"), f);
     // The sink hears about both, the second time as a refresh of the same item.
     EXPECT_EQ(sink->Take(), (Calls{"AddFunction CView::Foo a.h", "AddFunction CView::Foo a.h"}));
@@ -91,7 +91,7 @@ TEST_F(ClassFixture, VariablesAreKeyedByNameWithoutAKeyValue) {
     Var(u"M_COUNT", 7);
     ASSERT_EQ(cls->CountVars(), 1);
     EXPECT_EQ(cls->var(1)->Line, 7);
-    EXPECT_EQ(cls->var(1)->KeyVal, u"");
+    EXPECT_EQ(cls->var(1)->KeyVal(), u"");
     EXPECT_EQ(cls->var(u"m_Count"), cls->var(1));
     EXPECT_EQ(cls->var(2), nullptr);
     EXPECT_EQ(cls->func(u"m_count"), nullptr);
@@ -120,9 +120,9 @@ TEST_F(ClassFixture, FinishUpdateRemovesWhatWasNotSeenAgainVariablesFirst) {
     EXPECT_EQ(sink->Take(), (Calls{"RemoveVariable CView::x a.h", "RemoveFunction CView::a a.h",
                                    "RemoveFunction CView::c a.h"}));
     ASSERT_EQ(cls->CountFunc(), 1);
-    EXPECT_EQ(cls->func(1)->Name, u"b");
+    EXPECT_EQ(cls->func(1)->Name(), u"b");
     EXPECT_EQ(cls->func(1)->Line, 12);
-    EXPECT_EQ(cls->var(1)->Name, u"y");
+    EXPECT_EQ(cls->var(1)->Name(), u"y");
     cls->FinishUpdate__(sink.get(), file);  // a second sweep finds nothing more
     EXPECT_TRUE(sink->calls.empty());
 }
@@ -143,9 +143,9 @@ TEST_F(ClassFixture, InProcFindsTheLatestStartAtOrBeforeTheLine) {
     Func(u"d", 20, u"(int)");
     EXPECT_EQ(cls->InProc__(9, start), nullptr);
     EXPECT_EQ(start, -1);
-    EXPECT_EQ(cls->InProc__(25, start)->Name, u"c");  // first of equal starts wins
+    EXPECT_EQ(cls->InProc__(25, start)->Name(), u"c");  // first of equal starts wins
     EXPECT_EQ(start, 20);
-    EXPECT_EQ(cls->InProc__(1000, start)->Name, u"b");  // the end of a function is not consulted
+    EXPECT_EQ(cls->InProc__(1000, start)->Name(), u"b");  // the end of a function is not consulted
 }
 
 TEST_F(ClassFixture, ReplayShowsTheHourglassOnlyForMoreThanTwentyMembers) {

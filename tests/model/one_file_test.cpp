@@ -64,7 +64,7 @@ TEST_F(FileFixture, DeclarationsGoToTheirClassesCreatedOnFirstUse) {
     ClassPtr globals = file->item(u"GLOBALS");
     ASSERT_TRUE(globals);
     EXPECT_EQ(globals->func(1)->Scope, PUBLIC_SCOPE);
-    EXPECT_EQ(globals->var(1)->Name, u"g_count");
+    EXPECT_EQ(globals->var(1)->Name(), u"g_count");
     EXPECT_EQ(sink->Take(), (Calls{"AddFunction CFoo::Bar /proj/src/view.h", "AddVariable CFoo::m_x /proj/src/view.h",
                                    "AddFunction Globals::main /proj/src/view.h",
                                    "AddVariable Globals::g_count /proj/src/view.h"}));
@@ -95,8 +95,8 @@ TEST_F(FileFixture, FileLevelQueries) {
     EXPECT_EQ(file->IsFunctionDefined(u"F"), -1);
     EXPECT_EQ(file->FindClass_ByUserData(u"tag")->Name, u"B");
     EXPECT_EQ(file->FindClass_ByUserData(u"TAG"), nullptr);
-    EXPECT_EQ(file->InProc(25)->Name, u"g");  // B before C on equal starts
-    EXPECT_EQ(file->InProc(31)->Name, u"f");
+    EXPECT_EQ(file->InProc(25)->Name(), u"g");  // B before C on equal starts
+    EXPECT_EQ(file->InProc(31)->Name(), u"f");
     EXPECT_EQ(file->InProc(5), nullptr);
 
     Enumerated host;

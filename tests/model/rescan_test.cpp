@@ -21,9 +21,9 @@ struct RescanFixture : ::testing::Test {
         file = files->Add(u"/proj/view.h", FILETYPE_FORM);
         file->FileType(FILETYPE_DEFINITION);
     }
-    std::vector<std::u16string> NamesOf(const KeyedCollection<clsOneItem>& items) {
+    std::vector<std::u16string> NamesOf(const clsClassObject::Items& items) {
         std::vector<std::u16string> out;
-        for (const ItemPtr& i : items) out.push_back(i->Name);
+        for (const ItemPtr& i : items) out.emplace_back(i->Name());
         return out;
     }
 };

@@ -20,7 +20,7 @@ namespace {
 class RefusingSink : public test::RecordingSink {
 public:
     void AddVariable__(const ItemPtr& i, const ClassPtr& c, const FilePtr& f) override {
-        if (i->Name == u"refused") throw RuntimeError(kErrInvalidCall, "refused");
+        if (i->Name() == u"refused") throw RuntimeError(kErrInvalidCall, "refused");
         test::RecordingSink::AddVariable__(i, c, f);
     }
 };

@@ -27,7 +27,7 @@ void BuildSample(Project& p) {
     view->UserId = 42;
     view->item(1)->UserData = u"class tag";
     view->item(1)->UserId = -3;
-    view->item(1)->func(2)->UserData = u"entry tag";
+    view->item(1)->func(2)->SetUserData(u"entry tag");
     view->item(1)->func(2)->UserId = 77;
 
     FilePtr util = p.files->Add(u"/lib/util.h", FILETYPE_NOPARSE);
@@ -42,9 +42,9 @@ void BuildSample(Project& p) {
 std::string Dump(const clsAllFiles& files) {
     std::string out;
     auto item = [&](const ItemPtr& i, bool withKey) {
-        out += "    " + ToUtf8(i->Name) + "|" + std::to_string(i->Line) + "|" + std::to_string(i->Scope) + "|" +
-               std::to_string(i->UserId) + "|" + ToUtf8(i->UserData) + "|" + ToUtf8(i->Params) +
-               (withKey ? "|" + ToUtf8(i->KeyVal) : "") + "\n";
+        out += "    " + ToUtf8(i->Name()) + "|" + std::to_string(i->Line) + "|" + std::to_string(i->Scope) + "|" +
+               std::to_string(i->UserId) + "|" + ToUtf8(i->UserData()) + "|" + ToUtf8(i->Params()) +
+               (withKey ? "|" + ToUtf8(i->KeyVal()) : "") + "\n";
     };
     for (const FilePtr& f : files.Files()) {
         out += ToUtf8(f->GetTrueFile()) + "|" + std::to_string(f->FileType()) + "|" + std::to_string(f->UserId) + "|" +
@@ -90,7 +90,7 @@ TEST(ProjectFile, SaveLoadSaveGivesTheSameModelAndTheSameBytes) {
     EXPECT_EQ(second.files->item(1)->FileName(), u"/proj/src/view.cpp");
     EXPECT_EQ(second.files->item(2)->FileName(), u"/lib/util.h");
     EXPECT_EQ(second.files->item(u"/LIB/UTIL.H"), second.files->item(2));
-    EXPECT_EQ(second.files->item(2)->item(1)->var(1)->KeyVal, u"count");
+    EXPECT_EQ(second.files->item(2)->item(1)->var(1)->KeyVal(), u"count");
     for (const FilePtr& f : second.files->Files()) EXPECT_FALSE(f->Dirty);
     // Classes with entries get a placeholder node, then the file its node.
     EXPECT_EQ(second.sink->Take(),
@@ -111,9 +111,9 @@ TEST(ProjectFile, VersionTenFilesCarryNoParameterText) {
     ASSERT_TRUE(p.Load(dir / "old.kpr"));
     ClassPtr a = p.files->item(1)->item(1);
     ASSERT_EQ(a->CountFunc(), 1);
-    EXPECT_EQ(a->func(1)->Name, u"f");
+    EXPECT_EQ(a->func(1)->Name(), u"f");
     EXPECT_EQ(a->func(1)->Line, 4);
-    EXPECT_EQ(a->func(1)->Params, u"");
+    EXPECT_EQ(a->func(1)->Params(), u"");
 }
 
 TEST(ProjectFile, SignatureVersionReadsLikeANumber) {
@@ -159,7 +159,7 @@ TEST(ProjectFile, AFileWithoutSignatureStartsWithItsLanguageBelowTheThreshold) {
     ASSERT_TRUE(p.Load(dir / "raw.kpr"));
     EXPECT_EQ(p.host.language, -40000);
     EXPECT_EQ(p.host.id, 3);
-    EXPECT_EQ(p.files->item(1)->item(1)->func(1)->Name, u"Main");
+    EXPECT_EQ(p.files->item(1)->item(1)->func(1)->Name(), u"Main");
 }
 
 TEST(ProjectFile, DuplicateEntriesAreRenamedDuplicateFilesDropped) {
@@ -176,13 +176,13 @@ TEST(ProjectFile, DuplicateEntriesAreRenamedDuplicateFilesDropped) {
     ASSERT_EQ(p.files->count(), 2);  // the repeated a.cpp is read past and dropped
     ClassPtr c = p.files->item(1)->item(1);
     ASSERT_EQ(c->CountVars(), 3);
-    EXPECT_EQ(c->var(1)->KeyVal, u"count");
-    EXPECT_EQ(c->var(2)->KeyVal, u"COUNT#1");
-    EXPECT_EQ(c->var(3)->KeyVal, u"count#2");
+    EXPECT_EQ(c->var(1)->KeyVal(), u"count");
+    EXPECT_EQ(c->var(2)->KeyVal(), u"COUNT#1");
+    EXPECT_EQ(c->var(3)->KeyVal(), u"count#2");
     ASSERT_EQ(c->CountFunc(), 3);
-    EXPECT_EQ(c->func(1)->KeyVal, u"F(INT)");
-    EXPECT_EQ(c->func(2)->KeyVal, u"F#1");  // retries use the plain name
-    EXPECT_EQ(c->func(3)->KeyVal, u"COUNT#1");
+    EXPECT_EQ(c->func(1)->KeyVal(), u"F(INT)");
+    EXPECT_EQ(c->func(2)->KeyVal(), u"F#1");  // retries use the plain name
+    EXPECT_EQ(c->func(3)->KeyVal(), u"COUNT#1");
     // The class without entries is loaded but gets no node.
     EXPECT_EQ(p.files->item(2)->count(), 1);
     EXPECT_EQ(p.sink->Take(), (Calls{"AddClassNode C a.cpp", "AddFile a.cpp", "AddClassNode C a.cpp", "AddFile b.cpp"}));

@@ -151,7 +151,7 @@ private slots:
     void movingOverAnEntryWithUserTextRaisesToolTipChangedOnce() {
         OpenShapeProject();
         view_->setAutoToolTip(true);
-        view_->files()->item(1)->GetClass(u"Shape")->func(u"AREA()")->UserData = u"the area in square units";
+        view_->files()->item(1)->GetClass(u"Shape")->func(u"AREA()")->SetUserData(u"the area in square units");
         // Refilling the class node carries the new user text into the entry's tag.
         QTreeWidgetItem* shape = FindItem(ClassTree(), "Shape");
         ClassTree()->expandItem(shape);

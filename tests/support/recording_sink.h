@@ -65,7 +65,7 @@ private:
     void Record(std::string line) { calls.push_back(std::move(line)); }
     static std::string Name(const FilePtr& f) { return f ? ToUtf8(f->RelativeFilename()) : "-"; }
     void Entry(const char* op, const ItemPtr& i, const ClassPtr& c, const FilePtr& f) {
-        Record(std::string(op) + " " + (c ? ToUtf8(c->Name) : "-") + "::" + ToUtf8(i->Name) + " " + Name(f));
+        Record(std::string(op) + " " + (c ? ToUtf8(c->Name) : "-") + "::" + ToUtf8(i->Name()) + " " + Name(f));
     }
 };
 

@@ -37,13 +37,13 @@ constexpr std::string_view kModule = "main_window.cpp";
 // Time one step of adding a folder's files may take before the window gets its turn.
 constexpr qint64 kAddSliceMs = 30;
 
-QString TextOf(const std::u16string& text) { return qt::ToQString(text); }
+QString TextOf(std::u16string_view text) { return qt::ToQString(text); }
 
 // The class of a file that holds an item, found through the item's key.
 ClassPtr ClassHolding(const FilePtr& file, const ItemPtr& item) {
     for (int32_t i = 1; i <= file->count(); ++i) {
         ClassPtr cls = file->item(i);
-        if (cls && cls->func(item->KeyVal) == item) return cls;
+        if (cls && cls->func(item->KeyVal()) == item) return cls;
     }
     return nullptr;
 }
@@ -339,7 +339,7 @@ QString MainWindow::StatusText() const {
     if (!function) return text;
     const ClassPtr cls = ClassHolding(editedFile_, function);
     return tr("%1    function %2%3    class %4")
-        .arg(text, TextOf(function->Name), TextOf(function->Params), cls ? TextOf(cls->Name) : QString());
+        .arg(text, TextOf(function->Name()), TextOf(function->Params()), cls ? TextOf(cls->Name) : QString());
 }
 
 void MainWindow::ShowCursorPlace() { place_->setText(StatusText()); }
@@ -376,7 +376,7 @@ void MainWindow::ShowFirstFunction() {
             const ItemPtr function = cls->func(1);
             OpenSourceFile(file, function->Line);
             PlatformTree& tree = view_->control().tView(0);
-            const NodeId node = tree.Find(u"!!" + cls->Name + u"::" + function->KeyVal);
+            const NodeId node = tree.Find(u"!!" + cls->Name + u"::" + function->KeyVal());
             if (node != kNoNode) tree.Select(node);
             return;
         }

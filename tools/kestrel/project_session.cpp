@@ -125,9 +125,9 @@ int RunCommand(const char* name, const char* usage, int argc, char** argv,
     }
 }
 
-std::string Utf8(const std::u16string& text) { return ToUtf8(text); }
+std::string Utf8(std::u16string_view text) { return ToUtf8(text); }
 
-std::string Quoted(const std::u16string& text) {
+std::string Quoted(std::u16string_view text) {
     std::string out = "\"";
     for (char c : ToUtf8(text)) {
         switch (c) {

@@ -70,8 +70,8 @@ const std::string& OptionValue(const std::vector<std::string>& args, size_t& i);
 int RunCommand(const char* name, const char* usage, int argc, char** argv,
                int (*body)(const std::vector<std::string>&));
 
-std::string Utf8(const std::u16string& text);
+std::string Utf8(std::u16string_view text);
 // Quoted with C-style escapes, so that dumps stay one line per record.
-std::string Quoted(const std::u16string& text);
+std::string Quoted(std::u16string_view text);
 
 }  // namespace kestrel::cli

@@ -77,9 +77,9 @@ int Tree(const std::vector<std::string>& args) {
 }
 
 void DumpItem(const char* kind, const clsOneItem& item) {
-    std::cout << "    " << kind << ' ' << Quoted(item.Name) << " line " << item.Line << " scope " << item.Scope
-              << " userid " << item.UserId << " userdata " << Quoted(item.UserData) << " params "
-              << Quoted(item.Params) << " key " << Quoted(item.KeyVal) << '\n';
+    std::cout << "    " << kind << ' ' << Quoted(item.Name()) << " line " << item.Line << " scope " << item.Scope
+              << " userid " << item.UserId << " userdata " << Quoted(item.UserData()) << " params "
+              << Quoted(item.Params()) << " key " << Quoted(item.KeyVal()) << '\n';
 }
 
 int Dump(const std::vector<std::string>& args) {
@@ -120,8 +120,9 @@ int Where(const std::vector<std::string>& args) {
     }
     std::u16string owner;
     for (const ClassPtr& c : file->Classes())
-        if (c->func(item->KeyVal) == item) owner = c->Name;
-    std::cout << Utf8(owner) << "::" << Utf8(item->Name + item->Params) << " line " << item->Line << '\n';
+        if (c->func(item->KeyVal()) == item) owner = c->Name;
+    std::cout << Utf8(owner) << "::" << Utf8(std::u16string(item->Name()).append(item->Params())) << " line "
+              << item->Line << '\n';
     return session.ErrorCount() == 0 ? 0 : 1;
 }
 

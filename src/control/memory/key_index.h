@@ -10,8 +10,8 @@
 
 namespace kestrel {
 
-// Node is any type with a `key` member comparable with a u16string_view; the index
-// holds pointers and the node keeps its key unchanged while it is indexed.
+// Node is any type whose Key() answers a u16string_view; the index holds pointers and
+// the node keeps its key unchanged while it is indexed.
 template <class Node>
 class KeyIndex {
 public:
@@ -21,17 +21,17 @@ public:
         for (size_t i = hash & mask_;; i = (i + 1) & mask_) {
             const Slot& s = slots_[i];
             if (!s.node) return nullptr;
-            if (s.hash == hash && s.node->key == key) return s.node;
+            if (s.hash == hash && s.node->Key() == key) return s.node;
         }
     }
 
     // False, and nothing changed, when a node with the same key is indexed already.
     bool Insert(Node* node) {
         if ((count_ + 1) * 2 > slots_.size()) Grow();
-        const size_t hash = Hash(node->key);
+        const size_t hash = Hash(node->Key());
         size_t i = hash & mask_;
         for (; slots_[i].node; i = (i + 1) & mask_)
-            if (slots_[i].hash == hash && slots_[i].node->key == node->key) return false;
+            if (slots_[i].hash == hash && slots_[i].node->Key() == node->Key()) return false;
         slots_[i] = {hash, node};
         ++count_;
         return true;
@@ -43,7 +43,7 @@ public:
         size_t hole = hash & mask_;
         for (;; hole = (hole + 1) & mask_) {
             if (!slots_[hole].node) return;
-            if (slots_[hole].hash == hash && slots_[hole].node->key == key) break;
+            if (slots_[hole].hash == hash && slots_[hole].node->Key() == key) break;
         }
         // Shift back every later slot of the run that may sit in the hole, so that no
         // run is ever broken by an empty slot.

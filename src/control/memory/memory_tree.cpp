@@ -1,6 +1,8 @@
 #include "control/memory/memory_tree.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "control/text_order.h"
@@ -13,26 +15,45 @@ constexpr int kErrKeyNotUnique = 35602;
 constexpr int kErrNoSuchNode = 35605;
 }  // namespace
 
+// A class tree holds a node for every entry of the project, so a node keeps its key
+// and text in one allocation, and the sorted order only where it sorts.
 struct MemoryTree::Node {
     NodeId id = kNoNode;
-    std::u16string key;
-    std::u16string text;
-    std::u16string tag;
-    int16_t image = 0;
-    int16_t expandedImage = 0;
-    bool expanded = false;
-    bool sorts = false;  // the sorted-children switch
+    std::u16string tag;  // short (a digit and the host's text, mostly empty)
     Node* parent = nullptr;
     Node* first = nullptr;
     Node* last = nullptr;
     Node* prev = nullptr;
     Node* next = nullptr;
-    int32_t childCount = 0;
     // While the node sorts: its children in their list order, which is text order.
-    std::vector<Node*> order;
+    std::unique_ptr<std::vector<Node*>> order;
+    int32_t childCount = 0;
+    int16_t image = 0;
+    int16_t expandedImage = 0;
+    bool expanded = false;
+    bool sorts = false;  // the sorted-children switch
+
+    std::u16string_view Key() const { return {texts.get(), keyLength}; }
+    std::u16string_view Text() const { return {texts.get() + keyLength, textLength}; }
+    // Either view may point into the node's own texts.
+    void SetTexts(std::u16string_view key, std::u16string_view text) {
+        std::unique_ptr<char16_t[]> both;
+        if (key.size() + text.size() > 0) {
+            both.reset(new char16_t[key.size() + text.size()]);
+            std::copy(text.begin(), text.end(), std::copy(key.begin(), key.end(), both.get()));
+        }
+        texts = std::move(both);
+        keyLength = static_cast<uint32_t>(key.size());
+        textLength = static_cast<uint32_t>(text.size());
+    }
+
+private:
+    std::unique_ptr<char16_t[]> texts;  // the key, then the text
+    uint32_t keyLength = 0;
+    uint32_t textLength = 0;
 };
 
-bool MemoryTree::TextBefore(const Node* a, const Node* b) { return CompareCaseBlind(a->text, b->text) < 0; }
+bool MemoryTree::TextBefore(const Node* a, const Node* b) { return CompareCaseBlind(a->Text(), b->Text()) < 0; }
 
 MemoryTree::MemoryTree() : root_(std::make_unique<Node>()) {}
 MemoryTree::~MemoryTree() = default;
@@ -50,7 +71,7 @@ void MemoryTree::Link(Node& parent, Node* before, Node* n) {
     if (parent.sorts) {
         // The child goes after every sibling of an equal text; appending in text order,
         // the common case, needs no search.
-        auto& order = parent.order;
+        auto& order = *parent.order;
         if (order.empty() || !TextBefore(n, order.back())) {
             order.push_back(n);
             before = nullptr;
@@ -71,7 +92,7 @@ void MemoryTree::Link(Node& parent, Node* before, Node* n) {
 void MemoryTree::Unlink(Node* n) {
     Node& parent = *n->parent;
     if (parent.sorts) {
-        auto& order = parent.order;
+        auto& order = *parent.order;
         auto at = std::lower_bound(order.begin(), order.end(), n, TextBefore);
         while (*at != n) ++at;
         order.erase(at);
@@ -87,11 +108,10 @@ NodeId MemoryTree::Insert(Node& parent, Node* before, std::u16string_view key, s
                           int16_t image) {
     auto owned = std::make_unique<Node>();
     Node* n = owned.get();
-    n->key = key;
+    n->SetTexts(key, text);
     if (!key.empty() && !keys_.Insert(n))
         throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
     n->id = ++lastId_;
-    n->text = text;
     n->image = image;
     nodes_.push_back(std::move(owned));
     ++liveNodes_;
@@ -119,30 +139,30 @@ NodeId MemoryTree::Find(std::u16string_view key) const {
     return n ? n->id : kNoNode;
 }
 
-std::u16string MemoryTree::Text(NodeId node) const { return At(node).text; }
+std::u16string MemoryTree::Text(NodeId node) const { return std::u16string(At(node).Text()); }
 
 void MemoryTree::SetText(NodeId node, std::u16string_view text) {
     Node& n = At(node);
     Node& parent = *n.parent;
     if (!parent.sorts) {
-        n.text = text;
+        n.SetTexts(n.Key(), text);
         return;
     }
     // A sorted parent keeps the child at the place of its new text.
     Unlink(&n);
-    n.text = text;
+    n.SetTexts(n.Key(), text);
     Link(parent, nullptr, &n);
 }
 
-std::u16string MemoryTree::Key(NodeId node) const { return At(node).key; }
+std::u16string MemoryTree::Key(NodeId node) const { return std::u16string(At(node).Key()); }
 
 void MemoryTree::SetKey(NodeId node, std::u16string_view key) {
     Node& n = At(node);
-    if (key == n.key) return;
+    if (key == n.Key()) return;
     if (!key.empty() && keys_.Find(key)) throw RuntimeError(kErrKeyNotUnique, "Key is not unique in collection");
-    if (!n.key.empty()) keys_.Erase(n.key);
-    n.key = key;
-    if (!n.key.empty()) keys_.Insert(&n);
+    if (!n.Key().empty()) keys_.Erase(n.Key());
+    n.SetTexts(key, n.Text());
+    if (!key.empty()) keys_.Insert(&n);
 }
 
 int16_t MemoryTree::Image(NodeId node) const { return At(node).image; }
@@ -160,7 +180,7 @@ void MemoryTree::SetSortedChildren(NodeId node, bool sorted) {
     if (sorted == n.sorts) return;
     if (!sorted) {
         n.sorts = false;
-        std::vector<Node*>().swap(n.order);
+        n.order.reset();
         return;
     }
     std::vector<Node*> children;
@@ -168,7 +188,8 @@ void MemoryTree::SetSortedChildren(NodeId node, bool sorted) {
     for (Node* c = n.first; c; c = c->next) children.push_back(c);
     for (Node* c : children) Unlink(c);
     n.sorts = true;
-    n.order.reserve(children.size());
+    n.order = std::make_unique<std::vector<Node*>>();
+    n.order->reserve(children.size());
     // Relinking in the old order through the index gives a stable sort.
     for (Node* c : children) Link(n, nullptr, c);
 }
@@ -198,7 +219,7 @@ void MemoryTree::Forget(Node* n) {
         pending.pop_back();
         for (Node* c = cur->first; c; c = c->next) pending.push_back(c);
         if (cur->id == selected_) selected_ = kNoNode;
-        if (!cur->key.empty()) keys_.Erase(cur->key);
+        if (!cur->Key().empty()) keys_.Erase(cur->Key());
         nodes_[cur->id - firstId_].reset();
         --liveNodes_;
     }
@@ -217,7 +238,7 @@ void MemoryTree::Clear() {
     liveNodes_ = 0;
     const bool sorted = root_->sorts;
     root_ = std::make_unique<Node>();
-    root_->sorts = sorted;
+    SetSortedChildren(kNoNode, sorted);
     selected_ = kNoNode;
 }
 
