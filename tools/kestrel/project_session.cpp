@@ -23,8 +23,17 @@ ProjectSession::ProjectSession() : state_(std::make_unique<State>()) {
     });
 }
 
+// g++ names its AddressSanitizer build one way, clang another.
+#if defined(__SANITIZE_ADDRESS__)
+#define KESTREL_LEAK_CHECKED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KESTREL_LEAK_CHECKED 1
+#endif
+#endif
+
 ProjectSession::~ProjectSession() {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KESTREL_LEAK_CHECKED
     state_.reset();
 #else
     // A session ends with its command, right before the process exits and hands all
