@@ -51,6 +51,12 @@ struct TempDir {
     }
     ~TempDir() { std::filesystem::remove_all(path); }
     std::string operator/(const std::string& name) const { return (path / name).string(); }
+    // Files directly inside: a save must leave no temporary behind.
+    int RegularFiles() const {
+        int n = 0;
+        for (auto& e : std::filesystem::directory_iterator(path)) n += e.is_regular_file();
+        return n;
+    }
 };
 
 inline std::string ReadBytes(const std::string& path) {
