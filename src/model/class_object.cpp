@@ -1,5 +1,6 @@
 #include "model/class_object.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "common/constants.h"
@@ -25,8 +26,8 @@ int32_t VersionNumber(const std::u16string& text) {
     return negative ? -value : value;
 }
 
-// Adds a loaded item under firstKey, or else under its Name followed by "#1", "#2", ...,
-// and makes that its KeyVal.
+// Adds a loaded item under its own key (its Name, or the function key of Name and
+// Params), or else under its Name followed by "#1", "#2", ..., and makes that its KeyVal.
 // Nothing is removed while a class loads, so a suffix found taken stays taken: each
 // name remembers where its search stopped, which keeps a file full of one repeated
 // name from costing quadratic time.
@@ -34,9 +35,10 @@ class DuplicateRenamer {
 public:
     explicit DuplicateRenamer(clsClassObject::Items& items) : items_(items) {}
 
-    void Add(const ItemPtr& item, std::u16string_view firstKey) {
-        if (items_.TryAdd(firstKey, item)) {
-            item->SetKeyVal(firstKey);
+    void Add(const ItemPtr& item, clsOneItem::OwnKey own) {
+        if (item->SetKeyValToOwn(own)) {
+            if (items_.TryAdd(item)) return;
+        } else if (items_.TryAdd(u"", item)) {  // the empty function key stays empty
             return;
         }
         int32_t& n = lastSuffix_[UpperCase(item->Name())];
@@ -179,19 +181,21 @@ void clsClassObject::LoadFromBinaryData(const std::u16string& version, ModelSink
         UserId = in.LoadNumeric();
         const int32_t itemVersion = VersionNumber(version);
 
-        // Counts come from the file: a damaged one ends its loops at the end of the data.
-        DuplicateRenamer vars(variables_);
-        for (int32_t n = in.LoadNumeric(), k = 0; k < n && !in.HitEnd(); ++k) {
-            auto item = std::make_shared<clsOneItem>();
-            item->LoadFromBinaryFile(itemVersion);
-            vars.Add(item, item->Name());
-        }
-        DuplicateRenamer funcs(functions_);
-        for (int32_t n = in.LoadNumeric(), k = 0; k < n && !in.HitEnd(); ++k) {
-            auto item = std::make_shared<clsOneItem>();
-            item->LoadFromBinaryFile(itemVersion);
-            funcs.Add(item, MakeFuncKey__(item->Name(), item->Params()));
-        }
+        // Counts come from the file: a damaged one ends its loops at the end of the data,
+        // and reserves no more room than the rest of the file could fill.
+        auto loadItems = [&](Items& items, clsOneItem::OwnKey own) {
+            const int32_t n = in.LoadNumeric();
+            items.ReserveMore(static_cast<int32_t>(
+                std::min<int64_t>(n, in.BytesLeft() / clsOneItem::SmallestRecord(itemVersion))));
+            DuplicateRenamer renamer(items);
+            for (int32_t k = 0; k < n && !in.HitEnd(); ++k) {
+                auto item = std::make_shared<clsOneItem>();
+                item->LoadFromBinaryFile(itemVersion);
+                renamer.Add(item, own);
+            }
+        };
+        loadItems(variables_, clsOneItem::OwnKey::Name);
+        loadItems(functions_, clsOneItem::OwnKey::FunctionKey);
         if (CountVars() > 0 || CountFunc() > 0) Required(sink).AddClassNode__WithDummy(shared_from_this(), file);
     });
 }

@@ -8,12 +8,15 @@
 // in an open-addressing table of slot numbers: each key is stored once, upper-cased,
 // in its slot, and a looked-up key is hashed and compared unit by unit through
 // UpperUnit, so neither a lookup nor the index makes a copy of a key. Entries that
-// know their own key (KeySource::Value: the value's ForEachKeyUnit) are not given a
-// copy at all; such an entry must keep answering the key it was added under.
+// know their own key (KeySource::Value: the value's ForEachKeyUnit, hashed through its
+// KeyText) are not given a copy at all; such an entry must keep answering the key it
+// was added under.
 // So a class with 50,000 members, or a project with 50,000 files, stays fast for
 // every access pattern the model uses (append, lookup, sweep, "remove position 1
 // until empty").
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -70,7 +73,7 @@ public:
         uint32_t hash;
         if constexpr (kKeysCopied) {
             std::u16string upper = UpperCase(key);
-            hash = HashOfUpper(upper);
+            hash = HashOf(upper);
             if (Lookup(hash, [&](const Slot& s) { return s.key == upper; }) >= 0) return false;
             Reserve();
             slots_.push_back(Slot{std::move(upper), std::move(value)});
@@ -80,10 +83,33 @@ public:
             Reserve();
             slots_.push_back(Slot{std::move(value)});
         }
-        AppendToTree();
-        ++live_;
-        Place(static_cast<int32_t>(slots_.size()) - 1, hash);
+        Append(hash);
         return true;
+    }
+    // As TryAdd, under the key the value already answers through ForEachKeyUnit; its
+    // KeyText is hashed in place, and no key is built unless the hash is found taken.
+    bool TryAdd(Value value)
+        requires(Keys == KeySource::Value)
+    {
+        const uint32_t hash = HashOfValue(*value);
+        if (Lookup(hash, [&](const Slot& s) { return SameKey(s, KeyOfValue(*value)); }) >= 0) return false;
+        Reserve();
+        slots_.push_back(Slot{std::move(value)});
+        Append(hash);
+        return true;
+    }
+
+    // Makes room for `more` entries beyond those present, so that adding them neither
+    // moves the entries nor rebuilds the index. Callers pass counts they can vouch for.
+    void ReserveMore(int32_t more) {
+        if (more <= 0) return;
+        const size_t total = slots_.size() + static_cast<size_t>(more);
+        slots_.reserve(total);
+        tree_.reserve(total + 1);
+        // The size the index would have grown to by the time the last of them is added.
+        size_t size = std::max<size_t>(table_.size(), 8);
+        while ((tableUsed_ + static_cast<size_t>(more)) * 4 > size * 3) size *= 2;
+        if (size > table_.size()) RehashTo(size);
     }
 
     bool Remove(int32_t position) {
@@ -163,6 +189,12 @@ private:
     void Reserve() {
         if ((tableUsed_ + 1) * 4 > table_.size() * 3) Rehash(live_ + 1);
     }
+    // Indexes the slot just appended.
+    void Append(uint32_t hash) {
+        AppendToTree();
+        ++live_;
+        Place(static_cast<int32_t>(slots_.size()) - 1, hash);
+    }
 
     // tree_[i] (1-based) counts the live slots in (i - lowbit(i), i].
     static int32_t LowBit(int32_t i) { return i & -i; }
@@ -173,7 +205,8 @@ private:
     }
     void AppendToTree() {
         int32_t i = static_cast<int32_t>(slots_.size());
-        tree_.push_back(1 + Prefix(i - 1) - Prefix(i - LowBit(i)));
+        // With no slot removed before it, the range counts every slot.
+        tree_.push_back(live_ == i - 1 ? LowBit(i) : 1 + Prefix(i - 1) - Prefix(i - LowBit(i)));
     }
     void Kill(int32_t slot) {
         Unindex(slot);
@@ -223,30 +256,54 @@ private:
         uint32_t hash = 0;
     };
 
-    // FNV-1a over the upper-cased units, so every letter case of a key hashes alike.
-    // A key already upper-cased is hashed as it stands.
-    template <class Unit>
-    static uint32_t Hash(std::u16string_view key, Unit unit) {
+    // FNV-1a over the upper-cased units, so every letter case of a key hashes alike
+    // (an upper-cased key too, as UpperUnit keeps what it gives). Spaces are left out,
+    // so that an entry's KeyText hashes as its key does.
+    // Loading a project hashes the key of every item, so runs of ASCII are upper-cased
+    // four units at a time.
+    static uint32_t HashOf(std::u16string_view key) {
         uint32_t h = 2166136261u;
-        for (char16_t c : key) h = (h ^ unit(c)) * 16777619u;
+        auto add = [&h](char16_t upper) {
+            if (upper != u' ') h = (h ^ upper) * 16777619u;
+        };
+        const char16_t* at = key.data();
+        const char16_t* const end = at + key.size();
+        for (; end - at >= 4; at += 4) {
+            uint64_t lanes;
+            std::memcpy(&lanes, at, sizeof lanes);
+            if (lanes & 0xFF80FF80FF80FF80u) {  // a unit beyond ASCII
+                for (int i = 0; i < 4; ++i) add(UpperUnit(at[i]));
+                continue;
+            }
+            // Every lane is below 0x80, so adding less than 0x80 cannot carry out of it:
+            // bit 7 tells a lane from 'a' on, and a lane past 'z'.
+            const uint64_t fromA = lanes + 0x001F001F001F001Fu;
+            const uint64_t pastZ = lanes + 0x0005000500050005u;
+            lanes -= (fromA & ~pastZ & 0x0080008000800080u) >> 2;  // 0x20 off each of a..z
+            char16_t upper[4];
+            std::memcpy(upper, &lanes, sizeof upper);
+            for (char16_t u : upper) add(u);
+        }
+        for (; at != end; ++at) add(UpperUnit(*at));
         return h;
-    }
-    static uint32_t HashOf(std::u16string_view key) { return Hash(key, UpperUnit); }
-    static uint32_t HashOfUpper(std::u16string_view upper) {
-        return Hash(upper, [](char16_t c) { return c; });
     }
     // The hash of a live slot's key, as HashOf gives it for the key added under.
     static uint32_t HashOfSlot(const Slot& s) {
         if constexpr (kKeysCopied) {
-            return HashOfUpper(s.key);
+            return HashOf(s.key);
         } else {
-            uint32_t h = 2166136261u;
-            s.value->ForEachKeyUnit([&](char16_t c) {
-                h = (h ^ UpperUnit(c)) * 16777619u;
-                return true;
-            });
-            return h;
+            return HashOfValue(*s.value);
         }
+    }
+    // As HashOf gives it for the key the value answers.
+    static uint32_t HashOfValue(const T& value) { return HashOf(value.KeyText()); }
+    static std::u16string KeyOfValue(const T& value) {
+        std::u16string key;
+        value.ForEachKeyUnit([&](char16_t c) {
+            key.push_back(c);
+            return true;
+        });
+        return key;
     }
     // Whether a live slot's key equals key in any letter case.
     static bool SameKey(const Slot& s, std::u16string_view key) {
@@ -299,6 +356,9 @@ private:
     void Rehash(int32_t entries, bool renumbered = false) {
         size_t size = 8;
         while (static_cast<size_t>(entries) * 2 > size) size *= 2;
+        RehashTo(size, renumbered);
+    }
+    void RehashTo(size_t size, bool renumbered = false) {
         std::vector<Bucket> old(size);
         old.swap(table_);
         tableUsed_ = 0;

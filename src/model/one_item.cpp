@@ -53,6 +53,19 @@ void clsOneItem::SetKeyVal(std::u16string_view keyVal) {
     Store(Name(), Params(), UserData(), keyVal);
 }
 
+bool clsOneItem::SetKeyValToOwn(OwnKey own) {
+    KeyForm form = KeyForm::FunctionKey;
+    if (own == OwnKey::Name) {
+        form = nameLen_ == 0 ? KeyForm::Empty : KeyForm::SameAsName;
+    } else {
+        const std::u16string_view texts(texts_.get(), nameLen_ + paramsLen_);
+        if (texts.find_first_not_of(u' ') == std::u16string_view::npos) return false;
+    }
+    if (keyForm_ == KeyForm::Stored) Store(Name(), Params(), UserData(), {});
+    keyForm_ = form;
+    return true;
+}
+
 clsOneItem::KeyForm clsOneItem::FormOf(std::u16string_view name, std::u16string_view params,
                                        std::u16string_view keyVal) {
     if (keyVal.empty()) return KeyForm::Empty;
@@ -68,40 +81,52 @@ clsOneItem::KeyForm clsOneItem::FormOf(std::u16string_view name, std::u16string_
     return at == keyVal.size() ? KeyForm::FunctionKey : KeyForm::Stored;
 }
 
-void clsOneItem::Store(std::u16string_view name, std::u16string_view params, std::u16string_view userData,
-                       std::u16string_view keyVal) {
-    const KeyForm form = FormOf(name, params, keyVal);
-    const size_t keyLen = form == KeyForm::Stored ? keyVal.size() : 0;
-    const size_t total = name.size() + params.size() + userData.size() + keyLen;
+template <class Fill>
+void clsOneItem::Replace(size_t nameLen, size_t paramsLen, size_t userDataLen, size_t keyLen, KeyForm form,
+                         Fill&& fill) {
+    const size_t total = nameLen + paramsLen + userDataLen + keyLen;
     std::unique_ptr<char16_t[]> texts;
     if (total > 0) {
         texts.reset(new char16_t[total]);
-        char16_t* to = texts.get();
-        for (std::u16string_view part : {name, params, userData, keyVal.substr(0, keyLen)})
-            to = std::copy(part.begin(), part.end(), to);
+        fill(texts.get());
     }
-    // The old texts go only now: the views may point into them.
+    // The old texts go only now: fill may read them.
     texts_ = std::move(texts);
-    nameLen_ = static_cast<uint32_t>(name.size());
-    paramsLen_ = static_cast<uint32_t>(params.size());
-    userDataLen_ = static_cast<uint32_t>(userData.size());
+    nameLen_ = static_cast<uint32_t>(nameLen);
+    paramsLen_ = static_cast<uint32_t>(paramsLen);
+    userDataLen_ = static_cast<uint32_t>(userDataLen);
     keyLen_ = static_cast<uint32_t>(keyLen);
     keyForm_ = form;
 }
 
+void clsOneItem::Store(std::u16string_view name, std::u16string_view params, std::u16string_view userData,
+                       std::u16string_view keyVal) {
+    const KeyForm form = FormOf(name, params, keyVal);
+    const size_t keyLen = form == KeyForm::Stored ? keyVal.size() : 0;
+    Replace(name.size(), params.size(), userData.size(), keyLen, form, [&](char16_t* to) {
+        for (std::u16string_view part : {name, params, userData, keyVal.substr(0, keyLen)})
+            to = std::copy(part.begin(), part.end(), to);
+    });
+}
+
 void clsOneItem::LoadFromBinaryFile(int32_t version) {
     clsBinaryFile& in = g_BinaryFile();
-    // One buffer per field, kept from item to item, so that a loaded item costs the one
-    // allocation of its texts.
-    thread_local std::u16string name, userData, params;
-    in.LoadString(name);
+    // The bytes of Name, UserData and Params as the record holds them, in one buffer kept
+    // from item to item and widened straight into the item's one allocation.
+    thread_local std::string read;
+    read.clear();
+    const size_t nameLen = in.AppendStringBytes(read);
     Line = in.LoadNumeric();
     Scope = in.LoadNumeric();
     UserId = in.LoadNumeric();
-    in.LoadString(userData);
-    if (version >= 11) in.LoadString(params);
-    else params.clear();
-    Store(name, params, userData, {});
+    const size_t userDataLen = in.AppendStringBytes(read);
+    const size_t paramsLen = version >= 11 ? in.AppendStringBytes(read) : 0;
+    const std::string_view bytes(read);
+    Replace(nameLen, paramsLen, userDataLen, 0, KeyForm::Empty, [&](char16_t* to) {
+        for (std::string_view part :
+             {bytes.substr(0, nameLen), bytes.substr(nameLen + userDataLen), bytes.substr(nameLen, userDataLen)})
+            for (char byte : part) *to++ = static_cast<unsigned char>(byte);
+    });
 }
 
 }  // namespace kestrel

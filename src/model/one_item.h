@@ -51,6 +51,13 @@ public:
     void SetParams(std::u16string_view params);
     void SetUserData(std::u16string_view userData);
     void SetKeyVal(std::u16string_view keyVal);
+    // The keys an item can rebuild from its own texts: its Name, or the function key of
+    // Name and Params (see clsClassObject::MakeFuncKey__).
+    enum class OwnKey { Name, FunctionKey };
+    // As SetKeyVal with that key, without building or checking it; a loaded project
+    // files nearly every item so. False, with nothing changed, for a function key with
+    // no units at all (Name and Params only spaces), which has no such form.
+    bool SetKeyValToOwn(OwnKey own);
 
     // Calls visit(unit) for each code unit of the key the item's class files it under
     // (KeyVal, or Name while KeyVal is empty), until visit answers false; answers
@@ -61,18 +68,33 @@ public:
             case KeyForm::Stored:
                 return ForEachUnit(StoredKey(), visit);
             case KeyForm::FunctionKey:
-                for (std::u16string_view part : {Name(), Params()})
-                    for (char16_t c : part)
-                        if (c != u' ' && !visit(UpperUnit(c))) return false;
+                for (char16_t c : KeyText())
+                    if (c != u' ' && !visit(UpperUnit(c))) return false;
                 return true;
             default:
                 return ForEachUnit(Name(), visit);
+        }
+    }
+    // A text that reads as that key once its spaces are dropped and its units mapped
+    // through UpperUnit, in one piece: what a collection that ignores both hashes,
+    // without building the key.
+    std::u16string_view KeyText() const {
+        switch (keyForm_) {
+            case KeyForm::Stored:
+                return StoredKey();
+            case KeyForm::FunctionKey:
+                return {texts_.get(), nameLen_ + paramsLen_};  // Name and Params side by side
+            default:
+                return Name();
         }
     }
 
     // Reads the item record from g_BinaryFile(); Params only from version 11 on. KeyVal
     // is left empty for the class to set.
     void LoadFromBinaryFile(int32_t version);
+    // Bytes of the shortest item record of that version: its numbers and the lengths of
+    // its texts.
+    static constexpr int32_t SmallestRecord(int32_t version) { return version >= 11 ? 24 : 20; }
 
 private:
     std::u16string_view StoredKey() const {
@@ -88,6 +110,10 @@ private:
     // Replaces every text at once; the views may point into the item's own texts.
     void Store(std::u16string_view name, std::u16string_view params, std::u16string_view userData,
                std::u16string_view keyVal);
+    // As Store, for texts of the lengths given that fill(block) writes in their order
+    // (Name, Params, UserData, a stored key) into a new block.
+    template <class Fill>
+    void Replace(size_t nameLen, size_t paramsLen, size_t userDataLen, size_t keyLen, KeyForm form, Fill&& fill);
 
     std::unique_ptr<char16_t[]> texts_;  // Name, Params, UserData, then a stored KeyVal
     uint32_t nameLen_ = 0;

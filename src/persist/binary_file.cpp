@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,6 +31,8 @@ bool clsBinaryFile::OpenFile(const std::u16string& szFileName, bool OpenForWrite
         ::close(fd_);  // a folder is no project file
         fd_ = -1;
     }
+    fileSize_ = IsOpen() && !OpenForWrite ? static_cast<int64_t>(info.st_size) : 0;
+    bufferStart_ = 0;
     writing_ = OpenForWrite;
     hitEnd_ = false;
     writeFailed_ = false;
@@ -60,6 +63,7 @@ std::u16string clsBinaryFile::OpenTemporaryBeside(const std::u16string& besideNa
         // The renamed file should keep the permissions the project file had.
         if (keepMode) (void)::fchmod(fd, existing.st_mode & 07777);
         fd_ = fd;
+        fileSize_ = 0;
         writing_ = true;
         hitEnd_ = false;
         writeFailed_ = false;
@@ -81,6 +85,7 @@ bool clsBinaryFile::CloseFile() {
 }
 
 bool clsBinaryFile::Refill() {
+    bufferStart_ += static_cast<int64_t>(buffer_.size());
     buffer_.resize(kBufferSize);
     ssize_t got = -1;
     if (IsOpen() && !writing_) {
@@ -102,7 +107,8 @@ void clsBinaryFile::ReadUnits(Unit* into, size_t n) {
         }
         size_t take = std::min(n, buffer_.size() - bufferPos_);
         const unsigned char* from = reinterpret_cast<const unsigned char*>(buffer_.data()) + bufferPos_;
-        std::copy_n(from, take, into);
+        if constexpr (sizeof(Unit) == 1) std::memcpy(into, from, take);
+        else std::copy_n(from, take, into);
         bufferPos_ += take;
         into += take;
         n -= take;
@@ -133,7 +139,12 @@ bool clsBinaryFile::Flush() {
     return !writeFailed_;
 }
 
-int32_t clsBinaryFile::LoadNumeric() {
+int64_t clsBinaryFile::BytesLeft() const {
+    if (!IsOpen() || writing_) return 0;
+    return std::max<int64_t>(0, fileSize_ - bufferStart_ - static_cast<int64_t>(bufferPos_));
+}
+
+int32_t clsBinaryFile::LoadNumericAcrossBlocks() {
     unsigned char b[4];
     ReadUnits(b, 4);
     uint32_t v = uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 | uint32_t(b[3]) << 24;
@@ -146,13 +157,28 @@ std::u16string clsBinaryFile::LoadString() {
     return text;
 }
 
-void clsBinaryFile::LoadString(std::u16string& into) {
-    int32_t n = LoadNumeric();
-    into.clear();
+size_t clsBinaryFile::LoadStringLength() {
+    const int32_t n = LoadNumeric();
     // The text of an overlong string is deliberately not skipped.
-    if (n < 1 || n >= kMaxStringRead) return;
-    into.resize(static_cast<size_t>(n));
+    return n < 1 || n >= kMaxStringRead ? 0 : static_cast<size_t>(n);
+}
+
+void clsBinaryFile::LoadString(std::u16string& into) {
+    into.resize(LoadStringLength());
     ReadUnits(into.data(), into.size());  // each byte is one code unit
+}
+
+size_t clsBinaryFile::AppendStringBytes(std::string& into) {
+    const size_t length = LoadStringLength();
+    if (buffer_.size() - bufferPos_ >= length) {  // nearly always: taken whole from the buffer
+        into.append(buffer_.data() + bufferPos_, length);
+        bufferPos_ += length;
+    } else {
+        const size_t at = into.size();
+        into.resize(at + length);
+        ReadUnits(into.data() + at, length);
+    }
+    return length;
 }
 
 void clsBinaryFile::SaveNumeric(int32_t lNum) {
@@ -175,6 +201,7 @@ void clsBinaryFile::Reset() {
     ::lseek(fd_, 0, SEEK_SET);
     buffer_.clear();
     bufferPos_ = 0;
+    bufferStart_ = 0;
     hitEnd_ = false;
 }
 

@@ -34,10 +34,24 @@ public:
     bool CloseFile();
     bool IsOpen() const { return fd_ >= 0; }
 
-    int32_t LoadNumeric();
+    // Loading reads tens of thousands of records, so the common case (the record lies
+    // in the buffer) stays inline.
+    int32_t LoadNumeric() {
+        if (buffer_.size() - bufferPos_ < 4) return LoadNumericAcrossBlocks();
+        const auto* b = reinterpret_cast<const unsigned char*>(buffer_.data()) + bufferPos_;
+        bufferPos_ += 4;
+        return static_cast<int32_t>(uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 |
+                                    uint32_t(b[3]) << 24);
+    }
     std::u16string LoadString();
     // As LoadString, into a string whose room is reused.
     void LoadString(std::u16string& into);
+    // As LoadString, the string's bytes (one per code unit) appended to `into` as they
+    // stand; answers how many were appended. For a reader that widens them itself.
+    size_t AppendStringBytes(std::string& into);
+    // Bytes between the read position and the end of the file as it was when opened;
+    // 0 when not reading. Bounds what a count read from the file may claim.
+    int64_t BytesLeft() const;
     void SaveNumeric(int32_t lNum);
     void SaveString(std::u16string_view sz);
     // Back to the start of the file.
@@ -50,6 +64,10 @@ private:
     // Reads n bytes, each widened to one Unit; what lies past the end reads as zeros.
     template <class Unit>
     void ReadUnits(Unit* into, size_t n);
+    // The length of the next string record as its text is to be read: 0 for the empty
+    // and the overlong.
+    size_t LoadStringLength();
+    int32_t LoadNumericAcrossBlocks();
     // Reads the next block into the buffer; false (and HitEnd) when nothing came.
     bool Refill();
     void WriteBytes(const char* from, size_t n);
@@ -61,6 +79,8 @@ private:
     bool writeFailed_ = false;
     std::vector<char> buffer_;
     size_t bufferPos_ = 0;  // next byte to read from buffer_
+    int64_t fileSize_ = 0;  // of a file opened for reading
+    int64_t bufferStart_ = 0;  // file offset of buffer_[0] while reading
 };
 
 // The one shared instance, created on first use. Whoever opened it owns its position.
