@@ -67,23 +67,33 @@ public:
     }
     // As Add, answering false instead of raising when the key is present.
     bool TryAdd(std::u16string_view key, Value value) {
+        const Probe probe = Locate(key);
+        if (probe.found) return false;
+        AddMissing(probe, key, std::move(value));
+        return true;
+    }
+
+    // A lookup that keeps the key's hash, so that a miss can be filled by AddMissing
+    // without hashing the key and probing the index a second time.
+    struct Probe {
+        Value found;  // nullptr on a miss
         uint32_t hash;
-        if constexpr (kKeysCopied) {
-            std::u16string upper = UpperCase(key);
-            hash = HashOfUpper(upper);
-            if (Lookup(hash, [&](const Slot& s) { return s.key == upper; }) >= 0) return false;
-            Reserve();
-            slots_.push_back(Slot{std::move(upper), std::move(value)});
-        } else {
-            hash = HashOf(key);
-            if (Lookup(hash, [&](const Slot& s) { return SameKey(s, key); }) >= 0) return false;
-            Reserve();
+    };
+    Probe Locate(std::u16string_view key) const {
+        const uint32_t hash = HashOf(key);
+        const int32_t slot = Lookup(hash, [&](const Slot& s) { return SameKey(s, key); });
+        return {slot < 0 ? nullptr : slots_[slot].value, hash};
+    }
+    // Appends under the key that `probe` missed; nothing may be added in between.
+    void AddMissing(const Probe& probe, std::u16string_view key, Value value) {
+        Reserve();
+        if constexpr (kKeysCopied)
+            slots_.push_back(Slot{UpperCase(key), std::move(value)});
+        else
             slots_.push_back(Slot{std::move(value)});
-        }
         AppendToTree();
         ++live_;
-        Place(static_cast<int32_t>(slots_.size()) - 1, hash);
-        return true;
+        Place(static_cast<int32_t>(slots_.size()) - 1, probe.hash);
     }
 
     bool Remove(int32_t position) {

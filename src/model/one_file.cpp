@@ -99,12 +99,11 @@ void clsOneFile::ExtractClassInfo(const std::u16string& fullName, std::u16string
 }
 
 ClassPtr clsOneFile::ClassFor(const std::u16string& className) {
-    ClassPtr c = classes_.Find(className);
-    if (!c) {
-        c = std::make_shared<clsClassObject>();
-        classes_.Add(className, c);
-        c->Name = className;
-    }
+    const auto probe = classes_.Locate(className);
+    if (probe.found) return probe.found;
+    auto c = std::make_shared<clsClassObject>();
+    classes_.AddMissing(probe, className, c);
+    c->Name = className;
     return c;
 }
 

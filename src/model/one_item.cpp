@@ -14,6 +14,13 @@ clsOneItem::clsOneItem(std::u16string_view name, std::u16string_view params, std
     Store(name, params, {}, keyVal);
 }
 
+clsOneItem::clsOneItem(FunctionKeyed, std::u16string_view name, std::u16string_view params) {
+    Store(name, params, {}, {});
+    // A key with no unit at all is no key.
+    const auto kept = [](std::u16string_view part) { return part.find_first_not_of(u' ') != part.npos; };
+    if (kept(name) || kept(params)) keyForm_ = KeyForm::FunctionKey;
+}
+
 clsOneItem::clsOneItem(const clsOneItem& other) { *this = other; }
 
 clsOneItem& clsOneItem::operator=(const clsOneItem& other) {
