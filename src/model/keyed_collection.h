@@ -35,6 +35,8 @@ public:
     using Value = std::shared_ptr<T>;
 
     int32_t Count() const { return live_; }
+    // Changes whenever an entry leaves: an entry found earlier is still in while it is the same.
+    uint32_t Removals() const { return removals_; }
 
     // The entry at a 1-based position, or nullptr when there is none.
     Value At(int32_t position) const {
@@ -128,6 +130,7 @@ public:
     }
 
     void Clear() {
+        ++removals_;
         slots_.clear();
         tree_.assign(1, 0);
         table_.clear();
@@ -186,6 +189,7 @@ private:
         tree_.push_back(1 + Prefix(i - 1) - Prefix(i - LowBit(i)));
     }
     void Kill(int32_t slot) {
+        ++removals_;
         Unindex(slot);
         slots_[slot].value.reset();
         if constexpr (kKeysCopied) std::u16string().swap(slots_[slot].key);
@@ -326,6 +330,7 @@ private:
     std::vector<Bucket> table_;
     size_t tableUsed_ = 0;  // buckets not kEmpty: live entries and removal markers
     int32_t live_ = 0;
+    uint32_t removals_ = 0;
 };
 
 }  // namespace kestrel
