@@ -117,6 +117,19 @@ void AppendUtf8(std::u16string& out, std::string_view bytes) {
             i += 16;
         }
         if (i >= n) break;
+        // A short ASCII tail is widened with the last sixteen bytes: those before it are
+        // ASCII too, so each of them already stands as one unit just before `o`.
+        if (n >= 16 && n - i < 16) {
+            const __m128i last = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + n - 16));
+            if (_mm_movemask_epi8(last) == 0) {
+                const __m128i zero = _mm_setzero_si128();
+                char16_t* at = o - (i - (n - 16));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(at), _mm_unpacklo_epi8(last, zero));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(at + 8), _mm_unpackhi_epi8(last, zero));
+                o = at + 16;
+                break;
+            }
+        }
 #endif
         unsigned char c = in[i];
         if (c < 0x80) {

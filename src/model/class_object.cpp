@@ -76,11 +76,12 @@ int32_t clsClassObject::IsFunctionDefined(const std::u16string& szFuncName) cons
 void clsClassObject::AddFunction__(const std::u16string& name, int32_t line, int32_t scope, ModelSink* sink,
                                    const FilePtr& file, const std::u16string& params) {
     IgnoreErrors([&] {
-        std::u16string key = MakeFuncKey__(name, params);
-        ItemPtr item = functions_.Find(key);
+        const std::u16string key = MakeFuncKey__(name, params);
+        const Items::Probe probe = functions_.Locate(key);
+        ItemPtr item = probe.found;
         if (!item) {
-            item = std::make_shared<clsOneItem>(name, params, key);
-            functions_.Add(key, item);
+            item = std::make_shared<clsOneItem>(clsOneItem::FunctionKeyed{}, name, params);
+            functions_.AddMissing(probe, key, item);
             item->Line = -1;  // a new item always differs from what is stored below
             item->Scope = -1;
         }
@@ -89,8 +90,11 @@ void clsClassObject::AddFunction__(const std::u16string& name, int32_t line, int
         // A free function is always public, whatever the scanner saw.
         int32_t stored = (Name == u"Globals" || Name.empty()) ? PUBLIC_SCOPE : scope;
         if (item->Scope != stored) item->Scope = stored;
-        if (item->Params() != params) item->SetParams(params);
-        item->SetKeyVal(key);
+        // An item found under this key with these very parameters is keyed by them
+        // already; anything else is filed under the key as given.
+        const bool sameParams = item->Params() == params;
+        if (!sameParams) item->SetParams(params);
+        if (!sameParams || !item->KeyedByFunctionKey()) item->SetKeyVal(key);
         IgnoreErrors([&] { Required(sink).AddFunction__(item, shared_from_this(), file); });
     });
 }

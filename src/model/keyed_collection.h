@@ -38,6 +38,8 @@ public:
     using Value = std::shared_ptr<T>;
 
     int32_t Count() const { return live_; }
+    // Changes whenever an entry leaves: an entry found earlier is still in while it is the same.
+    uint32_t Removals() const { return removals_; }
 
     // The entry at a 1-based position, or nullptr when there is none.
     Value At(int32_t position) const {
@@ -70,21 +72,31 @@ public:
     }
     // As Add, answering false instead of raising when the key is present.
     bool TryAdd(std::u16string_view key, Value value) {
-        uint32_t hash;
-        if constexpr (kKeysCopied) {
-            std::u16string upper = UpperCase(key);
-            hash = HashOf(upper);
-            if (Lookup(hash, [&](const Slot& s) { return s.key == upper; }) >= 0) return false;
-            Reserve();
-            slots_.push_back(Slot{std::move(upper), std::move(value)});
-        } else {
-            hash = HashOf(key);
-            if (Lookup(hash, [&](const Slot& s) { return SameKey(s, key); }) >= 0) return false;
-            Reserve();
-            slots_.push_back(Slot{std::move(value)});
-        }
-        Append(hash);
+        const Probe probe = Locate(key);
+        if (probe.found) return false;
+        AddMissing(probe, key, std::move(value));
         return true;
+    }
+
+    // A lookup that keeps the key's hash, so that a miss can be filled by AddMissing
+    // without hashing the key and probing the index a second time.
+    struct Probe {
+        Value found;  // nullptr on a miss
+        uint32_t hash;
+    };
+    Probe Locate(std::u16string_view key) const {
+        const uint32_t hash = HashOf(key);
+        const int32_t slot = Lookup(hash, [&](const Slot& s) { return SameKey(s, key); });
+        return {slot < 0 ? nullptr : slots_[slot].value, hash};
+    }
+    // Appends under the key that `probe` missed; nothing may be added in between.
+    void AddMissing(const Probe& probe, std::u16string_view key, Value value) {
+        Reserve();
+        if constexpr (kKeysCopied)
+            slots_.push_back(Slot{UpperCase(key), std::move(value)});
+        else
+            slots_.push_back(Slot{std::move(value)});
+        Append(probe.hash);
     }
     // As TryAdd, under the key the value already answers through ForEachKeyUnit; its
     // KeyText is hashed in place, and no key is built unless the hash is found taken.
@@ -144,6 +156,7 @@ public:
     }
 
     void Clear() {
+        ++removals_;
         slots_.clear();
         tree_.assign(1, 0);
         table_.clear();
@@ -209,6 +222,7 @@ private:
         tree_.push_back(live_ == i - 1 ? LowBit(i) : 1 + Prefix(i - 1) - Prefix(i - LowBit(i)));
     }
     void Kill(int32_t slot) {
+        ++removals_;
         Unindex(slot);
         slots_[slot].value.reset();
         if constexpr (kKeysCopied) std::u16string().swap(slots_[slot].key);
@@ -376,6 +390,7 @@ private:
     std::vector<Bucket> table_;
     size_t tableUsed_ = 0;  // buckets not kEmpty: live entries and removal markers
     int32_t live_ = 0;
+    uint32_t removals_ = 0;
 };
 
 }  // namespace kestrel

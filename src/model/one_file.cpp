@@ -60,9 +60,12 @@ void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* sou
         for (const ClassPtr& c : classes_) c->PrepareUpdate__();
         updateSink_ = sink;
         struct ForgetSink {
-            ModelSink*& slot;
-            ~ForgetSink() { slot = nullptr; }
-        } forget{updateSink_};
+            clsOneFile& file;
+            ~ForgetSink() {
+                file.updateSink_ = nullptr;
+                file.lastClass_ = {};
+            }
+        } forget{*this};
 
         std::unique_ptr<RecordedScan> recorded =
             scanned && !source ? scanned->Take(FileName(), fileType_, language) : nullptr;
@@ -99,12 +102,18 @@ void clsOneFile::ExtractClassInfo(const std::u16string& fullName, std::u16string
 }
 
 ClassPtr clsOneFile::ClassFor(const std::u16string& className) {
-    ClassPtr c = classes_.Find(className);
+    if (lastClass_.found && lastClass_.removals == classes_.Removals() && lastClass_.name == className)
+        return lastClass_.found;
+    const auto probe = classes_.Locate(className);
+    ClassPtr c = probe.found;
     if (!c) {
         c = std::make_shared<clsClassObject>();
-        classes_.Add(className, c);
+        classes_.AddMissing(probe, className, c);
         c->Name = className;
     }
+    lastClass_.name = className;
+    lastClass_.found = c;
+    lastClass_.removals = classes_.Removals();
     return c;
 }
 

@@ -83,6 +83,13 @@ private:
     KeyedCollection<clsClassObject> classes_;
     std::weak_ptr<ModelSink> sink_;
     ModelSink* updateSink_ = nullptr;  // the sink of the update running now
+    // The class the last declaration of a scan went to, under the name it was asked
+    // for, so that a run of declarations of one class looks it up once.
+    struct LastClass {
+        std::u16string name;
+        ClassPtr found;
+        uint32_t removals = 0;  // classes_.Removals() when it was found
+    } lastClass_;
 };
 
 }  // namespace kestrel

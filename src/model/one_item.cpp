@@ -14,6 +14,11 @@ clsOneItem::clsOneItem(std::u16string_view name, std::u16string_view params, std
     Store(name, params, {}, keyVal);
 }
 
+clsOneItem::clsOneItem(FunctionKeyed, std::u16string_view name, std::u16string_view params) {
+    Store(name, params, {}, {});
+    SetKeyValToOwn(OwnKey::FunctionKey);  // a key with no unit at all is no key
+}
+
 clsOneItem::clsOneItem(const clsOneItem& other) { *this = other; }
 
 clsOneItem& clsOneItem::operator=(const clsOneItem& other) {

@@ -33,6 +33,10 @@ private:
 public:
     clsOneItem() = default;
     clsOneItem(std::u16string_view name, std::u16string_view params, std::u16string_view keyVal = {});
+    // A function filed under the function key of its name and parameters, which the
+    // caller has just built: the key is not compared again.
+    struct FunctionKeyed {};
+    clsOneItem(FunctionKeyed, std::u16string_view name, std::u16string_view params);
     clsOneItem(const clsOneItem& other);
     clsOneItem& operator=(const clsOneItem& other);
 
@@ -44,6 +48,8 @@ public:
     // Key under which the item sits in its class; empty for a variable added by a scan.
     std::u16string KeyVal() const;
     bool HasKeyVal() const { return keyForm_ != KeyForm::Empty; }
+    // Whether KeyVal is the function key of Name and Params, as they stand.
+    bool KeyedByFunctionKey() const { return keyForm_ == KeyForm::FunctionKey; }
 
     // A class finds its items through their keys (see ForEachKeyUnit), so an item that
     // sits in a class keeps Name and KeyVal as its class filed it.

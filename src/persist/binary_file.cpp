@@ -189,10 +189,16 @@ void clsBinaryFile::SaveNumeric(int32_t lNum) {
 
 void clsBinaryFile::SaveString(std::u16string_view sz) {
     SaveNumeric(static_cast<int32_t>(sz.size()));
-    std::string bytes(sz.size(), '?');
-    for (size_t i = 0; i < sz.size(); ++i)
-        if (sz[i] < 256) bytes[i] = static_cast<char>(sz[i]);
-    WriteBytes(bytes.data(), bytes.size());
+    if (!IsOpen() || !writing_) {
+        writeFailed_ = true;
+        return;
+    }
+    // Narrowed straight into the write buffer: one string per item field adds up.
+    const size_t at = buffer_.size();
+    buffer_.resize(at + sz.size());
+    char* to = buffer_.data() + at;
+    for (char16_t c : sz) *to++ = c < 256 ? static_cast<char>(c) : '?';
+    if (buffer_.size() >= kBufferSize) Flush();
 }
 
 void clsBinaryFile::Reset() {

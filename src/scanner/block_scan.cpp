@@ -74,7 +74,12 @@ std::u16string ClassName(const SyntaxTable& syntax, std::u16string_view line, in
 class LevelScanner {
 public:
     LevelScanner(const SyntaxTable& syntax, int16_t nLang, std::vector<RWord>& results)
-        : syntax_(syntax), nLang_(nLang), results_(results) {}
+        : syntax_(syntax),
+          nLang_(nLang),
+          results_(results),
+          endProcWords_(HasWords(syntax.EndProcWords)),
+          procWords_(HasWords(syntax.ProcWords)),
+          varWords_(HasWords(syntax.VarWords)) {}
 
     // `present` holds at least the units of L.
     void ScanLine(std::u16string& L, int32_t i, const UnitSet& present);
@@ -86,6 +91,11 @@ private:
         if (found >= 0) scope_ = found;
     }
     void SweepBlocks(std::u16string& L, int32_t i);
+    // Languages without procedure or variable keywords leave a pair empty: no line can
+    // hold them, and the searches are skipped.
+    static bool HasWords(const RTriple& words) {
+        return !words.StartWord.word.empty() || !words.EndWord.word.empty();
+    }
 
     const SyntaxTable& syntax_;
     const int16_t nLang_;
@@ -96,6 +106,7 @@ private:
     std::u16string candidate_;
     clsStack stack_;
     const UnitSet* present_ = nullptr;  // of the line being scanned
+    const bool endProcWords_, procWords_, varWords_;
 };
 
 void LevelScanner::ScanLine(std::u16string& L, int32_t i, const UnitSet& present) {
@@ -104,20 +115,20 @@ void LevelScanner::ScanLine(std::u16string& L, int32_t i, const UnitSet& present
     RemoveLiterals(L, syntax_.CharDelim, present);
 
     std::u16string_view word;
-    int32_t pos = FindEither(syntax_, L, syntax_.EndProcWords, word, present);
+    int32_t pos = endProcWords_ ? FindEither(syntax_, L, syntax_.EndProcWords, word, present) : 0;
     if (pos != 0) {
         inProcedure_ = false;
         L.erase(WordStart(L, word, pos), word.size());
     }
 
-    if (FindEither(syntax_, L, syntax_.ProcWords, word, present) != 0) {
+    if (procWords_ && FindEither(syntax_, L, syntax_.ProcWords, word, present) != 0) {
         TakeScope(L);
         AddResult(results_, L, i, scope_, stack_.Data());
         L.clear();
         inProcedure_ = true;
     }
 
-    if (FindEither(syntax_, L, syntax_.VarWords, word, present) != 0 && !inProcedure_) {
+    if (varWords_ && FindEither(syntax_, L, syntax_.VarWords, word, present) != 0 && !inProcedure_) {
         AddResult(results_, L, i, kResultVariable, stack_.Data());
         L.clear();
     }

@@ -63,6 +63,19 @@ namespace {
 struct SeenUnits {
     alignas(16) uint8_t seen[144] = {};
     void Add(char16_t c) { seen[c < 128 ? c : 128] = 1; }
+#if defined(__SSE2__)
+    // Eight units, each below 128.
+    void AddAscii(__m128i units) {
+        seen[_mm_extract_epi16(units, 0)] = 1;
+        seen[_mm_extract_epi16(units, 1)] = 1;
+        seen[_mm_extract_epi16(units, 2)] = 1;
+        seen[_mm_extract_epi16(units, 3)] = 1;
+        seen[_mm_extract_epi16(units, 4)] = 1;
+        seen[_mm_extract_epi16(units, 5)] = 1;
+        seen[_mm_extract_epi16(units, 6)] = 1;
+        seen[_mm_extract_epi16(units, 7)] = 1;
+    }
+#endif
     void AddTo(UnitSet& set) const {
         uint64_t bits[2] = {0, 0};
 #if defined(__SSE2__)
@@ -93,10 +106,17 @@ inline size_t CleanChunk(const char16_t* from, char16_t* to, bool& afterBlank, S
     const int blanks = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(units, space), tab));  // two bits per unit
     const int blankBefore = (blanks << 2) | (afterBlank ? 3 : 0);
     if (const int going = blanks & blankBefore & 0xFFFF; going != 0) return static_cast<size_t>(32 - __builtin_clz(going)) / 2;
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_or_si128(_mm_andnot_si128(tab, units), _mm_and_si128(tab, space)));
+    const __m128i kept = _mm_or_si128(_mm_andnot_si128(tab, units), _mm_and_si128(tab, space));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), kept);
     afterBlank = (blanks & 0x8000) != 0;
-    if (seen)
-        for (size_t k = 0; k < kChunk; ++k) seen->Add(to[k]);
+    if (seen) {
+        // Units below 128 index the table as they stand, taken from the register.
+        const __m128i high = _mm_cmpeq_epi16(_mm_srli_epi16(kept, 7), _mm_setzero_si128());
+        if (_mm_movemask_epi8(high) == 0xFFFF)
+            seen->AddAscii(kept);
+        else
+            for (size_t k = 0; k < kChunk; ++k) seen->Add(to[k]);
+    }
     return 0;
 #else
     (void)from, (void)to, (void)afterBlank, (void)seen;

@@ -32,9 +32,11 @@ void ParseInclude() {}
 struct LinePool {
     static constexpr size_t kMaxLines = 1 << 16;
     static constexpr size_t kMaxUnits = 512;
+    static constexpr size_t kMaxResults = 1 << 14;
     std::vector<std::u16string> spare;
     std::vector<std::u16string> array;  // an empty line array with its capacity
     std::vector<UnitSet> units;         // an empty unit-set array with its capacity
+    std::vector<RWord> results;         // an empty result list with its capacity
 };
 
 LinePool& Pool() {
@@ -48,6 +50,7 @@ void clsQuillbox::StartScan(ScanOutput& output, int16_t nLang) {
     ReleaseLines();
     if (lines_.capacity() == 0) lines_.swap(Pool().array);
     if (units_.capacity() == 0) units_.swap(Pool().units);
+    if (results_.capacity() == 0) results_.swap(Pool().results);
     lines_.emplace_back();
     units_.push_back(UnitSet::Anything());
     lineCount_ = 0;
@@ -78,6 +81,13 @@ void clsQuillbox::ReleaseLines() {
     if (units_.capacity() <= LinePool::kMaxLines && units_.capacity() > pool.units.capacity()) units_.swap(pool.units);
     lines_ = {};
     units_ = {};
+}
+
+clsQuillbox::~clsQuillbox() {
+    ReleaseLines();
+    results_.clear();
+    std::vector<RWord>& spare = Pool().results;
+    if (results_.capacity() <= LinePool::kMaxResults && results_.capacity() > spare.capacity()) results_.swap(spare);
 }
 
 void clsQuillbox::StoreLine(std::u16string_view raw) {

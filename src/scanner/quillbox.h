@@ -39,6 +39,11 @@ public:
     // right before the block-level pass rewrites them.
     void SetBeforeBlockPass(std::function<void(const clsQuillbox&)> hook) { beforeBlockPass_ = std::move(hook); }
 
+    ~clsQuillbox();
+    clsQuillbox() = default;
+    clsQuillbox(const clsQuillbox&) = delete;
+    clsQuillbox& operator=(const clsQuillbox&) = delete;
+
 private:
     void StartScan(ScanOutput& output, int16_t nLang);
     // The next entry of the line array, with storage left by earlier scans.

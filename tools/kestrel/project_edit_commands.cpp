@@ -60,7 +60,7 @@ int32_t ParseJobs(const std::string& text) {
 
 // One job scans on the calling thread; more start that many workers.
 void UseJobs(ProjectSession& session, std::optional<int32_t> jobs) {
-    if (jobs) session.View().files()->SetScanThreads(*jobs > 1 ? static_cast<unsigned>(*jobs) : 0);
+    if (jobs) session.Files()->SetScanThreads(*jobs > 1 ? static_cast<unsigned>(*jobs) : 0);
 }
 
 ProjectArgs ParseProjectArgs(const std::vector<std::string>& args, bool creating) {
@@ -106,7 +106,7 @@ std::vector<SourceFile> GatherFiles(const ProjectArgs& parsed, int32_t language)
 // Adds the files through the control's collection, as a host would.
 void AddFiles(ProjectSession& session, const std::vector<SourceFile>& files) {
     Progress progress(files.size(), "scanned");
-    AllFilesPtr all = session.View().files();
+    AllFilesPtr all = session.Files();
     std::vector<std::pair<std::u16string, int32_t>> ahead;
     for (const SourceFile& f : files) ahead.emplace_back(FromUtf8(f.path), f.type);
     all->ScanAheadOfAdd(ahead);
@@ -123,8 +123,8 @@ int New(const std::vector<std::string>& args) {
     const ProjectArgs parsed = ParseProjectArgs(args, true);
     const int32_t language = parsed.language.value_or(LANGUAGE_C);
     const std::vector<SourceFile> files = GatherFiles(parsed, language);
-    ProjectSession session;
-    session.View().NewProject(FromUtf8(AbsolutePath(parsed.project)), language, parsed.id);
+    ProjectSession session(ProjectSession::Kind::Headless);
+    session.NewProject(parsed.project, language, parsed.id);
     UseJobs(session, parsed.jobs);
     AddFiles(session, files);
     session.Save();
@@ -133,10 +133,10 @@ int New(const std::vector<std::string>& args) {
 
 int Add(const std::vector<std::string>& args) {
     const ProjectArgs parsed = ParseProjectArgs(args, false);
-    ProjectSession session;
+    ProjectSession session(ProjectSession::Kind::Headless);
     session.Load(parsed.project);
     UseJobs(session, parsed.jobs);
-    const std::vector<SourceFile> files = GatherFiles(parsed, session.View().Language());
+    const std::vector<SourceFile> files = GatherFiles(parsed, session.Language());
     AddFiles(session, files);
     session.Save();
     return Status(session);
@@ -144,9 +144,9 @@ int Add(const std::vector<std::string>& args) {
 
 int Remove(const std::vector<std::string>& args) {
     if (args.empty() || args[0].starts_with("-")) throw UsageError(args.empty() ? "no PROJECT given" : "unknown option '" + args[0] + "'");
-    ProjectSession session;
+    ProjectSession session(ProjectSession::Kind::Headless);
     session.Load(args[0]);
-    AllFilesPtr all = session.View().files();
+    AllFilesPtr all = session.Files();
     std::vector<std::u16string> keys;
     for (size_t i = 1; i < args.size(); ++i) {
         if (args[i].starts_with("-")) throw UsageError("unknown option '" + args[i] + "'");
@@ -166,10 +166,10 @@ int Update(const std::vector<std::string>& args) {
         if (args[i] != "--jobs") throw UsageError("unexpected argument '" + args[i] + "'");
         jobs = ParseJobs(OptionValue(args, i));
     }
-    ProjectSession session;
+    ProjectSession session(ProjectSession::Kind::Headless);
     session.Load(args[0]);
     UseJobs(session, jobs);
-    if (!session.View().SaveComplete()) throw Failure(args[0], "cannot write the project file");
+    session.SaveComplete();
     return Status(session);
 }
 

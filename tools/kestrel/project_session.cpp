@@ -14,8 +14,11 @@ namespace kestrel::cli {
 
 namespace fs = std::filesystem;
 
-ProjectSession::ProjectSession() : state_(std::make_unique<State>()) {
-    state_->view = TreeView::Create(state_->platform.Get());
+ProjectSession::ProjectSession(Kind kind) : state_(std::make_unique<State>()) {
+    if (kind == Kind::Shown)
+        state_->view = TreeView::Create(state_->platform.Get());
+    else
+        state_->headless = HeadlessProject::Create();
     previousHandler_ = SetErrorHandler([this](const ErrorReport& r) -> int16_t {
         ++errors_;
         std::cerr << "kestrel: error in " << r.module << " (" << r.title << "): " << r.message << "\n";
@@ -45,6 +48,19 @@ ProjectSession::~ProjectSession() {
     SetErrorHandler(previousHandler_);
 }
 
+AllFilesPtr ProjectSession::Files() {
+    return OnProject([](auto& project) { return project.files(); });
+}
+
+int32_t ProjectSession::Language() {
+    return OnProject([](auto& project) { return project.Language(); });
+}
+
+void ProjectSession::NewProject(const std::string& projectPath, int32_t language, int32_t id) {
+    const std::u16string name = FromUtf8(AbsolutePath(projectPath));
+    OnProject([&](auto& project) { project.NewProject(name, language, id); });
+}
+
 void ProjectSession::Load(const std::string& projectPath) {
     const std::string path = AbsolutePath(projectPath);
     std::error_code ec;
@@ -55,24 +71,34 @@ void ProjectSession::Load(const std::string& projectPath) {
     probe.read(head, sizeof head);
     if (probe.gcount() < 4) throw Failure(projectPath, "not a kestrel project file (too short)");
     probe.close();
-    if (!View().Load(FromUtf8(path))) throw Failure(projectPath, "not a kestrel project file (wrong signature)");
-    Platform().timer.Drain();
+    if (!OnProject([&](auto& project) { return project.Load(FromUtf8(path)); }))
+        throw Failure(projectPath, "not a kestrel project file (wrong signature)");
+    if (state_->view) Platform().timer.Drain();
 }
 
 void ProjectSession::Save() {
-    const std::string path = Utf8(View().FileName());
+    const std::string path = Utf8(OnProject([](auto& project) { return project.FileName(); }));
     std::error_code ec;
     if (fs::is_directory(path, ec)) throw Failure(path, "is a folder, cannot write the project file there");
     errno = 0;
-    if (!View().Save()) {
-        const fs::path dir = fs::path(path).parent_path();
-        std::string reason = "cannot write the project file";
-        if (!fs::is_directory(dir, ec))
-            reason += ": folder " + dir.string() + " does not exist";
-        else if (errno != 0)
-            reason += std::string(": ") + std::strerror(errno);
-        throw Failure(path, reason);
-    }
+    if (!OnProject([](auto& project) { return project.Save(); })) SaveFailed(path);
+}
+
+void ProjectSession::SaveComplete() {
+    const std::string path = Utf8(OnProject([](auto& project) { return project.FileName(); }));
+    errno = 0;
+    if (!OnProject([](auto& project) { return project.SaveComplete(); })) SaveFailed(path);
+}
+
+void ProjectSession::SaveFailed(const std::string& path) {
+    const fs::path dir = fs::path(path).parent_path();
+    std::string reason = "cannot write the project file";
+    std::error_code ec;
+    if (!fs::is_directory(dir, ec))
+        reason += ": folder " + dir.string() + " does not exist";
+    else if (errno != 0)
+        reason += std::string(": ") + std::strerror(errno);
+    throw Failure(path, reason);
 }
 
 std::string AbsolutePath(const std::string& path) {

@@ -1,6 +1,8 @@
 #pragma once
-// What every project command shares: a real TreeView on the in-memory platform, the
-// way a host drives it, plus argument helpers and one-line failure reports.
+// What every project command shares: the project, opened the way a host opens it,
+// plus argument helpers and one-line failure reports. Commands that show the project
+// hold a real TreeView on the in-memory platform; commands that only write project
+// files hold a HeadlessProject, which saves the same bytes without building trees.
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -8,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "control/headless_project.h"
 #include "control/memory/memory_platform.h"
 #include "control/tree_view.h"
 #include "errorlog/errorlog.h"
@@ -28,26 +31,43 @@ public:
 
 class ProjectSession {
 public:
-    ProjectSession();
+    enum class Kind { Shown, Headless };
+    explicit ProjectSession(Kind kind);
     ~ProjectSession();
     ProjectSession(const ProjectSession&) = delete;
     ProjectSession& operator=(const ProjectSession&) = delete;
 
+    // The control and its platform, in a Shown session only.
     TreeView& View() { return *state_->view; }
     MemoryPlatform& Platform() { return state_->platform; }
 
+    AllFilesPtr Files();
+    int32_t Language();
+    void NewProject(const std::string& projectPath, int32_t language, int32_t id);
     // Loads a project file, failing with the reason when it is missing, unreadable or
     // not a project file; runs the load timer dry.
     void Load(const std::string& projectPath);
-    // Saves to the control's FileName, failing with the reason when it cannot be written.
+    // Saves to the project's file name, failing with the reason when it cannot be written.
     void Save();
+    // Rescans every file and saves, failing as Save does.
+    void SaveComplete();
     // Reports of the error trap collected during the session.
     int ErrorCount() const { return errors_; }
 
 private:
+    // Calls use(project) on the TreeView or the HeadlessProject: both answer the same calls.
+    template <class Use>
+    decltype(auto) OnProject(Use&& use) {
+        if (state_->view) return use(*state_->view);
+        return use(*state_->headless);
+    }
+    // Throws the reason a save (just tried, failed) could not write the project file.
+    [[noreturn]] void SaveFailed(const std::string& path);
+
     struct State {
         MemoryPlatform platform;
         std::shared_ptr<TreeView> view;  // after the platform, so that it goes first
+        std::shared_ptr<HeadlessProject> headless;
     };
     std::unique_ptr<State> state_;
     ErrorHandler previousHandler_;

@@ -60,7 +60,7 @@ int Tree(const std::vector<std::string>& args) {
         else throw UsageError("unexpected argument '" + a + "'");
     }
     if (project.empty()) throw UsageError("no PROJECT given");
-    ProjectSession session;
+    ProjectSession session(ProjectSession::Kind::Shown);
     session.Load(project);
     MemoryTree& classes = session.Platform().classTree;
     if (expand) {
@@ -85,7 +85,7 @@ void DumpItem(const char* kind, const clsOneItem& item) {
 int Dump(const std::vector<std::string>& args) {
     if (args.size() != 1 || args[0].starts_with("-"))
         throw UsageError(args.empty() ? "no PROJECT given" : "unexpected argument '" + args.back() + "'");
-    ProjectSession session;
+    ProjectSession session(ProjectSession::Kind::Shown);
     session.Load(args[0]);
     TreeView& view = session.View();
     AllFilesPtr all = view.files();
@@ -109,7 +109,7 @@ int Where(const std::vector<std::string>& args) {
     for (const std::string& a : args)
         if (a.starts_with("--")) throw UsageError("unknown option '" + a + "'");
     const int32_t line = ParseNumber("LINE", args[2]);
-    ProjectSession session;
+    ProjectSession session(ProjectSession::Kind::Shown);
     session.Load(args[0]);
     FilePtr file = session.View().files()->FindFile(FromUtf8(AbsolutePath(args[1])));
     if (!file) throw Failure(args[1], "not in the project");
@@ -149,7 +149,7 @@ int Find(const std::vector<std::string>& args) {
     if (what.empty()) throw UsageError("give one of --class, --function and --userdata");
     if (types.empty()) types = {FILETYPE_IMPLEMENTATION, FILETYPE_DEFINITION, FILETYPE_FORM, FILETYPE_NOPARSE};
 
-    ProjectSession session;
+    ProjectSession session(ProjectSession::Kind::Shown);
     session.Load(project);
     AllFilesPtr all = session.View().files();
     const std::u16string key = FromUtf8(name);
