@@ -12,6 +12,15 @@ TEST(UpperCase, MapsEachCodeUnitToItsSimpleUpperForm) {
     EXPECT_EQ(UpperCase(u"\xd83d"), u"\xd83d");                     // lone surrogate unchanged
 }
 
+TEST(UpperCase, KeepsWhatItGives) {
+    // Collections hash a key's text and its upper-cased form alike on this ground.
+    for (char32_t c = 0; c < 0x10000; ++c) {
+        const char16_t upper = UpperUnit(static_cast<char16_t>(c));
+        ASSERT_EQ(UpperUnit(upper), upper) << "unit " << static_cast<uint32_t>(c);
+        ASSERT_EQ(upper == u' ', c == u' ') << "unit " << static_cast<uint32_t>(c);
+    }
+}
+
 TEST(TrimSpaces, RemovesSpacesOnly) {
     EXPECT_EQ(TrimSpaces(u"  a b  "), u"a b");
     EXPECT_EQ(TrimSpaces(u"\ta\t"), u"\ta\t");

@@ -53,6 +53,22 @@ TEST(KeyedCollection, AnExistingKeyInAnyCaseIsAnError) {
     EXPECT_THROW(c.Item(u"nope"), RuntimeError);
 }
 
+TEST(KeyedCollection, KeysThatDifferOnlyInSpacesAreDifferentKeys) {
+    // Spaces do not count towards a key's hash, but they do count towards the key.
+    Numbers c;
+    c.Add(u"a b", std::make_shared<int>(1));
+    c.Add(u"ab", std::make_shared<int>(2));
+    c.Add(u" \u00e9t\u00e9 x", std::make_shared<int>(3));
+    c.Add(u"\u00c9T\u00c9X", std::make_shared<int>(4));
+    EXPECT_FALSE(c.TryAdd(u"A B", std::make_shared<int>(5)));
+    EXPECT_EQ(*c.Find(u"A B"), 1);
+    EXPECT_EQ(*c.Find(u"aB"), 2);
+    EXPECT_EQ(*c.Find(u" \u00c9T\u00c9 X"), 3);
+    EXPECT_EQ(*c.Find(u"\u00e9t\u00e9x"), 4);
+    EXPECT_EQ(c.Find(u"a  b"), nullptr);
+    EXPECT_EQ(c.Find(u"\u00e9t\u00e9 x"), nullptr);
+}
+
 TEST(KeyedCollection, PositionsCloseUpAfterRemovalByPositionOrKey) {
     Numbers c;
     AddNumbers(c, 1, 5);

@@ -78,3 +78,35 @@ TEST(OneItem, AClassFindsItsItemsUnderTheirKeysInAnyLetterCase) {
     EXPECT_EQ(items.Find(u"TOTAL")->Name(), u"Total");
     EXPECT_EQ(items.Find(u"count#1"), nullptr);
 }
+
+TEST(OneItem, AnItemFiledUnderItsOwnKeyIsFoundWhereverItsSpacesFall) {
+    // Every printable ASCII unit (the neighbours of a..z included) and some beyond it, with
+    // the spaces of the parameters moved through every place in a run of four units.
+    std::u16string name;
+    for (char16_t c = u'!'; c <= u'~'; ++c) name += c;
+    name += u"\u00e9\u00df\u03b1z";
+    clsClassObject::Items items;
+    for (int spaces = 0; spaces < 8; ++spaces) {
+        const std::u16string params = std::u16string(static_cast<size_t>(spaces), u' ') + u"(int " +
+                                      ToText(spaces) + u" )";
+        auto item = std::make_shared<clsOneItem>(name, params);
+        ASSERT_TRUE(item->SetKeyValToOwn(clsOneItem::OwnKey::FunctionKey));
+        const std::u16string key = clsClassObject::MakeFuncKey__(name, params);
+        EXPECT_EQ(item->KeyVal(), key);
+        ASSERT_TRUE(items.TryAdd(item));
+        EXPECT_EQ(items.Find(key), item);
+        EXPECT_EQ(items.Find(name + u"(int" + ToText(spaces) + u")"), item);  // in another letter case
+        auto same = std::make_shared<clsOneItem>(UpperCase(name), u"(INT" + ToText(spaces) + u")");
+        ASSERT_TRUE(same->SetKeyValToOwn(clsOneItem::OwnKey::FunctionKey));
+        EXPECT_FALSE(items.TryAdd(same));
+    }
+    EXPECT_EQ(items.Count(), 8);
+
+    auto variable = std::make_shared<clsOneItem>(u"Total", u"long", u"Total#1");
+    ASSERT_TRUE(variable->SetKeyValToOwn(clsOneItem::OwnKey::Name));  // a stored key gives way
+    EXPECT_EQ(variable->KeyVal(), u"Total");
+    EXPECT_EQ(variable->Params(), u"long");
+    clsOneItem blank(u"  ", u" ");
+    EXPECT_FALSE(blank.SetKeyValToOwn(clsOneItem::OwnKey::FunctionKey));  // no key to rebuild
+    EXPECT_FALSE(blank.HasKeyVal());
+}

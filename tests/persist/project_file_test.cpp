@@ -188,6 +188,32 @@ TEST(ProjectFile, DuplicateEntriesAreRenamedDuplicateFilesDropped) {
     EXPECT_EQ(p.sink->Take(), (Calls{"AddClassNode C a.cpp", "AddFile a.cpp", "AddClassNode C a.cpp", "AddFile b.cpp"}));
 }
 
+TEST(ProjectFile, ALoadedKeyThatMeetsARenamedOneIsRenamedInTurn) {
+    TempDir dir("kestrel-renamed");
+    std::string cls = S("C") + N(0) + S("") + N(0) + N(2) + ItemRecord("n", 1) + ItemRecord("N#1", 2, "long") +
+                      N(4) + ItemRecord("f", 3, "(int)") + ItemRecord("F", 4, "( int )") + ItemRecord("f#1", 5) +
+                      ItemRecord("x", 6, "( a b )");
+    WriteBytes(dir / "renamed.kpr", S("KESTREL1.1") + N(0) + N(0) + N(1) + S("a.cpp") +
+                                        N(FILETYPE_IMPLEMENTATION) + N(1) + N(0) + S("") + cls);
+    Project p;
+    ASSERT_TRUE(p.Load(dir / "renamed.kpr"));
+    ClassPtr c = p.files->item(1)->item(1);
+    ASSERT_EQ(c->CountFunc(), 4);
+    EXPECT_EQ(c->func(2)->KeyVal(), u"F#1");
+    EXPECT_EQ(c->func(3)->KeyVal(), u"f#1#1");  // its own key was taken by the renamed F
+    EXPECT_EQ(c->func(4)->KeyVal(), u"X(AB)");
+    EXPECT_EQ(c->func(u"x(ab)")->Line, 6);
+    EXPECT_EQ(c->func(u"F#1")->Line, 4);
+    EXPECT_EQ(c->func(u"f#1#1")->Line, 5);
+    ASSERT_EQ(c->CountVars(), 2);
+    EXPECT_EQ(c->var(u"n#1")->Line, 2);  // a variable's name is its key, "#" or not
+    // Saved again, the file is the same.
+    p.host.fileName = FromUtf8(dir / "renamed.kpr");
+    const std::string before = ReadBytes(dir / "renamed.kpr");
+    ASSERT_TRUE(p.Save());
+    EXPECT_EQ(ReadBytes(dir / "renamed.kpr"), before);
+}
+
 TEST(ProjectFile, ARepeatedClassEndsThatFileReaderButNotTheLoad) {
     TempDir dir("kestrel-dupclass");
     std::string emptyClass = S("A") + N(0) + S("") + N(0) + N(0) + N(0);
