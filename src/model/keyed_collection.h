@@ -158,7 +158,7 @@ public:
     void Clear() {
         ++removals_;
         slots_.clear();
-        tree_.assign(1, 0);
+        tree_.clear();
         table_.clear();
         tableUsed_ = 0;
         live_ = 0;
@@ -209,7 +209,8 @@ private:
         Place(static_cast<int32_t>(slots_.size()) - 1, hash);
     }
 
-    // tree_[i] (1-based) counts the live slots in (i - lowbit(i), i].
+    // tree_[i] (1-based) counts the live slots in (i - lowbit(i), i]; tree_[0] is unused,
+    // and put in only with the first slot, so that an empty collection allocates nothing.
     static int32_t LowBit(int32_t i) { return i & -i; }
     int32_t Prefix(int32_t i) const {
         int32_t sum = 0;
@@ -217,6 +218,7 @@ private:
         return sum;
     }
     void AppendToTree() {
+        if (tree_.empty()) tree_.push_back(0);
         int32_t i = static_cast<int32_t>(slots_.size());
         // With no slot removed before it, the range counts every slot.
         tree_.push_back(live_ == i - 1 ? LowBit(i) : 1 + Prefix(i - 1) - Prefix(i - LowBit(i)));
@@ -253,7 +255,7 @@ private:
         for (Slot& s : slots_)
             if (s.value) kept.push_back(std::move(s));
         slots_.clear();
-        tree_.assign(1, 0);
+        tree_.clear();
         for (Slot& s : kept) {
             slots_.push_back(std::move(s));
             AppendToTree();
@@ -386,7 +388,7 @@ private:
     }
 
     std::vector<Slot> slots_;
-    std::vector<int32_t> tree_ = std::vector<int32_t>(1, 0);
+    std::vector<int32_t> tree_;
     std::vector<Bucket> table_;
     size_t tableUsed_ = 0;  // buckets not kEmpty: live entries and removal markers
     int32_t live_ = 0;
