@@ -1,8 +1,8 @@
 // kestrel_perf build LIST [LANGUAGE [THREADS]]: scans every file of a list into a new
-// project on the in-memory platform, as `kestrel new` does (headers as definitions, the
-// rest as implementations, scanned ahead on THREADS workers, by default one per core; 1
-// scans on the main thread), and reports the time and the memory of the scanned project
-// per 1,000 items: what it holds once built, and the peak while scanning.
+// project without a view, as `kestrel new` does (headers as definitions, the rest as
+// implementations, scanned ahead on THREADS workers, by default one per core; 1 scans
+// on the main thread), and reports the time and the memory of the scanned project per
+// 1,000 items: what it holds once built, and the peak while scanning.
 #include <array>
 #include <cstdlib>
 #include <stdexcept>
@@ -11,6 +11,7 @@
 
 #include "common/constants.h"
 #include "common/text.h"
+#include "control/headless_project.h"
 #include "model/all_files.h"
 #include "perf_commands.h"
 #include "perf_common.h"
@@ -38,19 +39,19 @@ int BuildProject(const std::vector<std::string>& args) {
 
     ResetPeakResident();
     const int64_t before = ResidentBytes();
-    BenchHost host;
+    auto project = HeadlessProject::Create();
     const double ms = TimeMs([&] {
-        host.view->NewProject(FromUtf8(dir / "build.kpr"), language, 1);
+        project->NewProject(FromUtf8(dir / "build.kpr"), language, 1);
         std::vector<std::pair<std::u16string, int32_t>> files;
         for (const std::string& path : paths) files.emplace_back(FromUtf8(path), FileTypeOf(path));
-        AllFilesPtr all = host.view->files();
+        AllFilesPtr all = project->files();
         if (threads > 0) all->SetScanThreads(threads > 1 ? static_cast<unsigned>(threads) : 0);
         all->ScanAheadOfAdd(files);
         for (const auto& [name, type] : files) all->Add(name, type);
     });
     const int64_t after = ResidentBytes();
     const int64_t peak = PeakResidentBytes();
-    const long long items = CountItems(*host.view);
+    const long long items = CountItems(*project->files());
 
     Report("build_ms", ms, "ms");
     Report("build_items", static_cast<double>(items), "items");

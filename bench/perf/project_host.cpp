@@ -6,11 +6,12 @@
 
 namespace kestrel::perf {
 
-long long CountItems(TreeView& view) {
+long long CountItems(TreeView& view) { return CountItems(*view.files()); }
+
+long long CountItems(clsAllFiles& all) {
     long long items = 0;
-    AllFilesPtr all = view.files();
-    for (int32_t f = 1; f <= all->count(); ++f) {
-        FilePtr file = all->item(f);
+    for (int32_t f = 1; f <= all.count(); ++f) {
+        FilePtr file = all.item(f);
         for (const ClassPtr& c : file->Classes()) items += c->CountFunc() + c->CountVars();
     }
     return items;

@@ -17,6 +17,7 @@ struct BenchHost {
 
 // Functions plus variables over every class of every file.
 long long CountItems(TreeView& view);
+long long CountItems(clsAllFiles& all);
 // Bytes per item (which is also kilobytes per 1,000 items); 0 without items.
 inline double PerItem(int64_t bytes, long long items) {
     return items > 0 ? static_cast<double>(bytes) / static_cast<double>(items) : 0;
