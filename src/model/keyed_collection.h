@@ -117,7 +117,6 @@ public:
         if (more <= 0) return;
         const size_t total = slots_.size() + static_cast<size_t>(more);
         slots_.reserve(total);
-        tree_.reserve(total + 1);
         // The size the index would have grown to by the time the last of them is added.
         size_t size = std::max<size_t>(table_.size(), 8);
         while ((tableUsed_ + static_cast<size_t>(more)) * 4 > size * 3) size *= 2;
@@ -209,8 +208,10 @@ private:
         Place(static_cast<int32_t>(slots_.size()) - 1, hash);
     }
 
-    // tree_[i] (1-based) counts the live slots in (i - lowbit(i), i]; tree_[0] is unused,
-    // and put in only with the first slot, so that an empty collection allocates nothing.
+    // tree_[i] (1-based) counts the live slots in (i - lowbit(i), i]; tree_[0] is unused.
+    // While no slot is empty positions need no tree, so it is built at the first removal
+    // and dropped when the holes are squeezed out: a collection only ever appended to (a
+    // loaded project, nearly all of it) keeps none.
     static int32_t LowBit(int32_t i) { return i & -i; }
     int32_t Prefix(int32_t i) const {
         int32_t sum = 0;
@@ -218,12 +219,15 @@ private:
         return sum;
     }
     void AppendToTree() {
-        if (tree_.empty()) tree_.push_back(0);
+        if (tree_.empty()) return;  // no slot empty
         int32_t i = static_cast<int32_t>(slots_.size());
-        // With no slot removed before it, the range counts every slot.
-        tree_.push_back(live_ == i - 1 ? LowBit(i) : 1 + Prefix(i - 1) - Prefix(i - LowBit(i)));
+        tree_.push_back(1 + Prefix(i - 1) - Prefix(i - LowBit(i)));
     }
     void Kill(int32_t slot) {
+        if (tree_.empty()) {  // every slot is live until now
+            tree_.resize(slots_.size() + 1);
+            for (int32_t i = 1; i < static_cast<int32_t>(tree_.size()); ++i) tree_[i] = LowBit(i);
+        }
         ++removals_;
         Unindex(slot);
         slots_[slot].value.reset();
@@ -254,12 +258,8 @@ private:
         kept.reserve(live_);
         for (Slot& s : slots_)
             if (s.value) kept.push_back(std::move(s));
-        slots_.clear();
-        tree_.clear();
-        for (Slot& s : kept) {
-            slots_.push_back(std::move(s));
-            AppendToTree();
-        }
+        slots_.swap(kept);
+        std::vector<int32_t>().swap(tree_);
         Rehash(live_, true);
     }
 

@@ -127,3 +127,38 @@ TEST(KeyedCollection, LargeCollectionsStayConsistentThroughSweepsAndDraining) {
     c.Add(u"again", std::make_shared<int>(7));
     EXPECT_EQ(*c.At(1), 7);
 }
+
+TEST(KeyedCollection, PositionsHoldWhileEntriesComeAndGoInTurns) {
+    // Against a plain vector: appends after removals, a squeeze, and removals again.
+    Numbers c;
+    std::vector<int> model;
+    int next = 1;
+    auto check = [&] {
+        ASSERT_EQ(c.Count(), static_cast<int32_t>(model.size()));
+        for (size_t i = 0; i < model.size(); ++i) ASSERT_EQ(*c.At(static_cast<int32_t>(i + 1)), model[i]);
+    };
+    auto add = [&](int count) {
+        for (int k = 0; k < count; ++k, ++next) {
+            c.Add(ToText(next), std::make_shared<int>(next));
+            model.push_back(next);
+        }
+    };
+    auto remove = [&](int count, int stride) {
+        for (int k = 0; k < count && !model.empty(); ++k) {
+            const size_t at = static_cast<size_t>(k * stride) % model.size();
+            ASSERT_TRUE(c.Remove(static_cast<int32_t>(at + 1)));
+            model.erase(model.begin() + static_cast<std::ptrdiff_t>(at));
+        }
+    };
+    add(300);
+    remove(40, 7);
+    add(50);
+    check();
+    remove(250, 3);  // enough holes to squeeze them out
+    check();
+    add(20);
+    remove(10, 5);
+    add(5);
+    check();
+    EXPECT_EQ(*c.Find(ToText(next - 1)), next - 1);
+}
