@@ -58,14 +58,13 @@ void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* sou
 
         Dirty = true;
         for (const ClassPtr& c : classes_) c->PrepareUpdate__();
-        updateSink_ = sink;
-        struct ForgetSink {
-            clsOneFile& file;
-            ~ForgetSink() {
-                file.updateSink_ = nullptr;
-                file.lastClass_ = {};
-            }
-        } forget{*this};
+        RunningUpdate running;
+        running.sink = sink;
+        update_ = &running;
+        struct ForgetUpdate {
+            RunningUpdate*& slot;
+            ~ForgetUpdate() { slot = nullptr; }
+        } forget{update_};
 
         std::unique_ptr<RecordedScan> recorded =
             scanned && !source ? scanned->Take(FileName(), fileType_, language) : nullptr;
@@ -102,8 +101,9 @@ void clsOneFile::ExtractClassInfo(const std::u16string& fullName, std::u16string
 }
 
 ClassPtr clsOneFile::ClassFor(const std::u16string& className) {
-    if (lastClass_.found && lastClass_.removals == classes_.Removals() && lastClass_.name == className)
-        return lastClass_.found;
+    RunningUpdate* last = update_;
+    if (last && last->found && last->removals == classes_.Removals() && last->className == className)
+        return last->found;
     const auto probe = classes_.Locate(className);
     ClassPtr c = probe.found;
     if (!c) {
@@ -111,14 +111,16 @@ ClassPtr clsOneFile::ClassFor(const std::u16string& className) {
         classes_.AddMissing(probe, className, c);
         c->Name = className;
     }
-    lastClass_.name = className;
-    lastClass_.found = c;
-    lastClass_.removals = classes_.Removals();
+    if (last) {
+        last->className = className;
+        last->found = c;
+        last->removals = classes_.Removals();
+    }
     return c;
 }
 
 ModelSink* clsOneFile::WriteSink(std::shared_ptr<ModelSink>& held) {
-    if (updateSink_) return updateSink_;
+    if (update_ && update_->sink) return update_->sink;
     held = sink_.lock();
     return held.get();
 }

@@ -82,14 +82,16 @@ private:
     std::u16string absolute_;
     KeyedCollection<clsClassObject> classes_;
     std::weak_ptr<ModelSink> sink_;
-    ModelSink* updateSink_ = nullptr;  // the sink of the update running now
-    // The class the last declaration of a scan went to, under the name it was asked
-    // for, so that a run of declarations of one class looks it up once.
-    struct LastClass {
-        std::u16string name;
+    // What the update running now keeps on its stack: its sink, and the class the last
+    // declaration went to, under the name it was asked for, so that a run of
+    // declarations of one class looks it up once.
+    struct RunningUpdate {
+        ModelSink* sink = nullptr;
+        std::u16string className;
         ClassPtr found;
         uint32_t removals = 0;  // classes_.Removals() when it was found
-    } lastClass_;
+    };
+    RunningUpdate* update_ = nullptr;
 };
 
 }  // namespace kestrel
