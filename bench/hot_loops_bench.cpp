@@ -89,7 +89,7 @@ void BM_BlockPass(benchmark::State& state) {
     for (std::u16string& line : source) CleanLine(line);
     RemoveComments(source, static_cast<int32_t>(source.size() - 1), syntax);
     std::vector<std::u16string> lines;
-    std::vector<RWord> results;
+    ResultList results;
     for (auto _ : state) {
         state.PauseTiming();
         lines = source;
@@ -106,8 +106,9 @@ void BM_DeclarationAnalysis(benchmark::State& state) {
     std::vector<std::u16string> lines = HeaderLines(1000);
     for (std::u16string& line : lines) CleanLine(line);
     RemoveComments(lines, static_cast<int32_t>(lines.size() - 1), syntax);
-    std::vector<RWord> source;
-    TakeLevelsOut(lines, static_cast<int32_t>(lines.size() - 1), syntax, LANGUAGE_C, source);
+    ResultList found;
+    TakeLevelsOut(lines, static_cast<int32_t>(lines.size() - 1), syntax, LANGUAGE_C, found);
+    const std::vector<RWord> source(found.begin(), found.end());
     for (auto _ : state) {
         ScanRecorder output;
         ParamCollector params(lines, static_cast<int32_t>(lines.size() - 1));

@@ -15,9 +15,9 @@ constexpr std::string_view kModule = "clsQuillbox.cls";
 constexpr std::u16string_view kEndClassText = u"\u00ABEND\u00BFCLASS\u00BB";
 constexpr size_t npos = std::u16string::npos;
 
-void AddResult(std::vector<RWord>& results, std::u16string_view word, int32_t line, int16_t scope,
+void AddResult(ResultList& results, std::u16string_view word, int32_t line, int16_t scope,
                const std::u16string& className) {
-    RWord& r = results.emplace_back();
+    RWord& r = results.Add();
     r.word = word;
     r.Line = line;
     r.Class = className;
@@ -61,19 +61,19 @@ size_t WordStart(std::u16string_view line, std::u16string_view word, int32_t pos
 
 // The name after the class word at 1-based `start`: separators skipped, then up to
 // the next separator. Every character is looked up by its full code.
-std::u16string ClassName(const SyntaxTable& syntax, std::u16string_view line, int32_t start) {
+std::u16string_view ClassName(const SyntaxTable& syntax, std::u16string_view line, int32_t start) {
     size_t k = std::min(start > 0 ? static_cast<size_t>(start - 1) : 0, line.size());
     while (k < line.size() && syntax.IsSeparator(line[k])) ++k;
     size_t begin = k;
     while (k < line.size() && !syntax.IsSeparator(line[k])) ++k;
-    std::u16string name = TrimSpaces(line.substr(begin, k - begin));
-    while (!name.empty() && name.back() == u':') name.pop_back();
+    std::u16string_view name = TrimmedView(line.substr(begin, k - begin));
+    while (!name.empty() && name.back() == u':') name.remove_suffix(1);
     return name;
 }
 
 class LevelScanner {
 public:
-    LevelScanner(const SyntaxTable& syntax, int16_t nLang, std::vector<RWord>& results)
+    LevelScanner(const SyntaxTable& syntax, int16_t nLang, ResultList& results)
         : syntax_(syntax),
           nLang_(nLang),
           results_(results),
@@ -99,7 +99,7 @@ private:
 
     const SyntaxTable& syntax_;
     const int16_t nLang_;
-    std::vector<RWord>& results_;
+    ResultList& results_;
     int32_t depth_ = 0;
     int16_t scope_ = UNKNOWN_SCOPE;
     bool inProcedure_ = false;
@@ -140,7 +140,7 @@ void LevelScanner::ScanLine(std::u16string& L, int32_t i, const UnitSet& present
         } else {
             // A class word that ends the line reports -1, and the name is still read
             // from -1 + the word's length.
-            candidate_ = ClassName(syntax_, L, pos + static_cast<int32_t>(syntax_.ClassWord.size()));
+            candidate_.assign(ClassName(syntax_, L, pos + static_cast<int32_t>(syntax_.ClassWord.size())));
             if (candidate_.find(u',') == npos) stack_.Push(candidate_, depth_);
         }
     }
@@ -181,7 +181,7 @@ void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
             // class body so its declarations stay at declaration level. It pushes
             // whatever name the last class header left behind.
             if (nLang_ == LANGUAGE_C && headLength > 5 && rest.substr(0, 6) == u"extern" &&
-                TrimSpaces(rest.substr(6, headLength - 6)).empty()) {
+                TrimmedView(rest.substr(6, headLength - 6)).empty()) {
                 stack_.Push(candidate_, depth_);
             }
             ++depth_;
@@ -219,7 +219,7 @@ int16_t CheckScope(const SyntaxTable& syntax, std::u16string_view line, const Un
 }
 
 void TakeLevelsOut(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
-                   int16_t nLang, std::vector<RWord>& results, const std::vector<UnitSet>* present) {
+                   int16_t nLang, ResultList& results, const std::vector<UnitSet>* present) {
     LevelScanner scanner(syntax, nLang, results);
     const UnitSet anything = UnitSet::Anything();
     std::u16string L;

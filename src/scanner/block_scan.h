@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "scanner/rword.h"
+#include "scanner/result_list.h"
 #include "scanner/syntax.h"
 #include "scanner/unit_set.h"
 
@@ -22,6 +22,6 @@ int16_t CheckScope(const SyntaxTable& syntax, std::u16string_view line, const Un
 // the statements found to `results`. `present`, when given, holds the units of each
 // line (same indices as `lines`), so words a line cannot hold are not searched for.
 void TakeLevelsOut(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
-                   int16_t nLang, std::vector<RWord>& results, const std::vector<UnitSet>* present = nullptr);
+                   int16_t nLang, ResultList& results, const std::vector<UnitSet>* present = nullptr);
 
 }  // namespace kestrel

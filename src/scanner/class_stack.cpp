@@ -2,10 +2,10 @@
 
 namespace kestrel {
 
-void clsStack::Push(std::u16string Data, int32_t Level) {
+void clsStack::Push(std::u16string_view Data, int32_t Level) {
     Entry& entry = entries_.at(static_cast<size_t>(top_) + 1);
     ++top_;
-    entry.Data = std::move(Data);
+    entry.Data.assign(Data);  // into the storage an earlier class left at this depth
     entry.Level = Level;
 }
 

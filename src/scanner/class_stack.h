@@ -4,13 +4,14 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace kestrel {
 
 class clsStack {
 public:
     // A 1025th entry raises "Subscript out of range" for the caller's error trap.
-    void Push(std::u16string Data, int32_t Level);
+    void Push(std::u16string_view Data, int32_t Level);
     // Popping an empty stack does nothing.
     void Pop();
     // The top entry's class name, or "" when empty.

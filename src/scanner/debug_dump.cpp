@@ -10,7 +10,7 @@ void WriteLineDump(std::ostream& out, const std::vector<std::u16string>& lines, 
     }
 }
 
-void WriteResultDump(std::ostream& out, const std::vector<RWord>& results) {
+void WriteResultDump(std::ostream& out, const ResultList& results) {
     for (const RWord& r : results) {
         out << "Line:" << r.Line << ",Class:" << ToUtf8(r.Class) << ",Scope:" << r.Scope << " -- " << ToUtf8(r.word)
             << '\n';

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "scanner/rword.h"
+#include "scanner/result_list.h"
 
 namespace kestrel {
 
 // "N -- text" for N from 1 to lastLine.
 void WriteLineDump(std::ostream& out, const std::vector<std::u16string>& lines, int32_t lastLine);
 // "Line:12,Class:CFoo,Scope:1 -- int Count;" for each result in order.
-void WriteResultDump(std::ostream& out, const std::vector<RWord>& results);
+void WriteResultDump(std::ostream& out, const ResultList& results);
 
 }  // namespace kestrel

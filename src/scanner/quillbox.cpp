@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <limits>
+#include <utility>
 
 #include "common/constants.h"
 #include "common/text.h"
@@ -36,7 +37,7 @@ struct LinePool {
     std::vector<std::u16string> spare;
     std::vector<std::u16string> array;  // an empty line array with its capacity
     std::vector<UnitSet> units;         // an empty unit-set array with its capacity
-    std::vector<RWord> results;         // an empty result list with its capacity
+    ResultList results;                 // an empty result list with its records
 };
 
 LinePool& Pool() {
@@ -50,7 +51,7 @@ void clsQuillbox::StartScan(ScanOutput& output, int16_t nLang) {
     ReleaseLines();
     if (lines_.capacity() == 0) lines_.swap(Pool().array);
     if (units_.capacity() == 0) units_.swap(Pool().units);
-    if (results_.capacity() == 0) results_.swap(Pool().results);
+    if (results_.Slots() == 0) std::swap(results_, Pool().results);
     lines_.emplace_back();
     units_.push_back(UnitSet::Anything());
     lineCount_ = 0;
@@ -85,9 +86,9 @@ void clsQuillbox::ReleaseLines() {
 
 clsQuillbox::~clsQuillbox() {
     ReleaseLines();
-    results_.clear();
-    std::vector<RWord>& spare = Pool().results;
-    if (results_.capacity() <= LinePool::kMaxResults && results_.capacity() > spare.capacity()) results_.swap(spare);
+    results_.Trim(LinePool::kMaxResults, LinePool::kMaxUnits);
+    ResultList& spare = Pool().results;
+    if (results_.Slots() > spare.Slots()) std::swap(results_, spare);
 }
 
 void clsQuillbox::StoreLine(std::u16string_view raw) {

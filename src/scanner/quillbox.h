@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "scanner/rword.h"
+#include "scanner/result_list.h"
 #include "scanner/scan_output.h"
 #include "scanner/syntax.h"
 #include "scanner/unit_set.h"
@@ -30,7 +30,7 @@ public:
     void DebugResult();
 
     // The result list of the last scan (kept until the next scan starts).
-    const std::vector<RWord>& Results() const { return results_; }
+    const ResultList& Results() const { return results_; }
     // The line array: entry 0 unused, line N of the text at entry N.
     const std::vector<std::u16string>& Lines() const { return lines_; }
     int32_t LineCount() const { return lineCount_; }
@@ -58,7 +58,7 @@ private:
     std::vector<std::u16string> lines_;
     std::vector<UnitSet> units_;  // the code units of each line, same indices as lines_
     int32_t lineCount_ = 0;
-    std::vector<RWord> results_;
+    ResultList results_;
     std::function<void(const clsQuillbox&)> beforeBlockPass_;
 };
 

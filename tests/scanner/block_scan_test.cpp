@@ -25,7 +25,7 @@ struct Pass {
 
 Pass ScanLevels(Lines lines, int16_t language = LANGUAGE_C) {
     const SyntaxTable syntax = test::SyntaxOf(language);
-    std::vector<RWord> results;
+    ResultList results;
     Pass pass;
     pass.lines = test::WithLineZero(std::move(lines), [&](Lines& all, int32_t count) {
         TakeLevelsOut(all, count, syntax, language, results);
