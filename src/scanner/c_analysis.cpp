@@ -15,6 +15,27 @@ bool IsNameBreak(char16_t c) {
     return c == u' ' || c == u'&' || c == u'*';
 }
 
+// "Class::" + prefix + name in storage reused from one declaration to the next on
+// this thread; the output copies what it keeps.
+const std::u16string& QualifiedName(std::u16string_view className, std::u16string_view prefix,
+                                    std::u16string_view name) {
+    thread_local std::u16string fullName;
+    fullName.assign(className).append(u"::").append(prefix).append(name);
+    return fullName;
+}
+
+// Cuts `text` down, in place, to the trimmed piece of it that starts at `from`.
+void KeepTrimmed(std::u16string& text, size_t from) {
+    std::u16string_view kept = TrimmedView(std::u16string_view(text).substr(from));
+    const size_t begin = static_cast<size_t>(kept.data() - text.data());
+    text.erase(begin + kept.size());
+    text.erase(0, begin);
+}
+
+bool IsDestructorOf(std::u16string_view name, std::u16string_view className) {
+    return !name.empty() && name[0] == u'~' && name.substr(1) == className;
+}
+
 }  // namespace
 
 void CAnalysis::ProcessDeclaration(RWord& wrd) {
@@ -35,30 +56,29 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
             return;
         }
 
-        std::u16string head = TrimSpaces(text.substr(0, p));
+        std::u16string_view head = TrimmedView(text.substr(0, p));
         int32_t sep = -1;  // 1-based position of the name break before the name
-        std::u16string className;
+        std::u16string_view className = wrd.Class;
         size_t c = FindText(head, u"::");
-        if (c == npos) {
-            className = wrd.Class;
-        } else {
+        if (c != npos) {
             // The qualifier written in the text wins over the enclosing class.
             size_t i = c;
             while (i > 0 && !IsNameBreak(head[i - 1])) --i;
             if (i > 0) sep = static_cast<int32_t>(i);
             className = head.substr(i, c - i);
-            head = TrimSpaces(std::u16string_view(head).substr(c + 2));
+            head = TrimmedView(head.substr(c + 2));
         }
         if (head.empty()) return;
 
         size_t blank = head.rfind(u' ');
-        if (blank != npos) head = TrimSpaces(std::u16string_view(head).substr(blank + 1));
+        if (blank != npos) head = TrimmedView(head.substr(blank + 1));
         if (head.empty()) return;
 
+        std::u16string_view prefix;
         if (isOperator) {
             size_t at = head.find(u"operator");
-            if (at != npos) head.erase(0, at + 8);
-            head.insert(0, u"operator ");
+            if (at != npos) head.remove_prefix(at + 8);
+            prefix = u"operator ";
         }
 
         if (sep < 1 && !isOperator) {
@@ -72,11 +92,9 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
         }
         // Nothing before the name: only a constructor or destructor is a declaration
         // (this rejects calls such as foo(1); and macro lines).
-        if (sep == -1 && !isOperator && head != className && head != u"~" + className) return;
+        if (sep == -1 && !isOperator && head != className && !IsDestructorOf(head, className)) return;
 
-        std::u16string fullName = className + u"::" + head;
-        std::u16string paramText = params.CollectParams(wrd);
-        output.WriteDeclare__(fullName, wrd.Line, wrd.Scope, paramText);
+        output.WriteDeclare__(QualifiedName(className, prefix, head), wrd.Line, wrd.Scope, params.CollectParams(wrd));
     });
 }
 
@@ -98,7 +116,7 @@ void CAnalysis::ProcessCVariable(RWord& wrd) {
         // Cutting after the first ":" and trimming, again and again, leaves the
         // trimmed text after the last one: access labels and every qualifier go.
         size_t colon = word.rfind(u':');
-        if (colon != npos) word = TrimSpaces(std::u16string_view(word).substr(colon + 1));
+        if (colon != npos) KeepTrimmed(word, colon + 1);
 
         size_t bracket = word.find(u'[');
         if (bracket != npos) word.resize(bracket);
@@ -112,7 +130,7 @@ void CAnalysis::ProcessCVariable(RWord& wrd) {
         }
 
         size_t eq = word.find(u'=');
-        std::u16string decl = TrimSpaces(std::u16string_view(word).substr(0, eq));
+        std::u16string_view decl = TrimmedView(std::u16string_view(word).substr(0, eq));
 
         size_t k = decl.size();
         while (k > 0) {
@@ -123,9 +141,9 @@ void CAnalysis::ProcessCVariable(RWord& wrd) {
         }
         if (k == 0) return;  // a single word
 
-        std::u16string name = decl.substr(k);
+        std::u16string_view name = decl.substr(k);
         std::u16string typeText = CollectCVarParams(wrd, name);
-        std::u16string fullName = wrd.Class + u"::" + name;
+        const std::u16string& fullName = QualifiedName(wrd.Class, {}, name);
         if (syntax.IsSeparator(fullName.back())) return;
         output.WriteVariable__(fullName, wrd.Line, wrd.Scope, typeText);
     });

@@ -17,9 +17,11 @@ constexpr size_t npos = std::u16string_view::npos;
 // declaration inside it would repeat that; gathering stops past this many units.
 constexpr int64_t kMaxParamUnits = 65536;
 
-// The trimmed pieces of a list joined, keeping only the first kMaxParamUnits units.
+// The trimmed pieces of a list joined into `text`, keeping only the first
+// kMaxParamUnits units.
 class Gathered {
 public:
+    explicit Gathered(std::u16string& text) : text_(text) { text_.clear(); }
     Gathered& Add(std::u16string_view piece) {
         piece = TrimmedView(piece);
         text_.append(piece.substr(0, std::min(piece.size(), kMaxUnits - text_.size())));
@@ -30,10 +32,14 @@ public:
 
 private:
     static constexpr size_t kMaxUnits = static_cast<size_t>(kMaxParamUnits);
-    std::u16string text_;
+    std::u16string& text_;
 };
 
-std::u16string Enclose(const Gathered& gathered) { return u"(" + TrimSpaces(gathered.Text()) + u")"; }
+void Enclose(const Gathered& gathered, std::u16string& out) {
+    out.assign(1, u'(');
+    out.append(TrimmedView(gathered.Text()));
+    out.push_back(u')');
+}
 
 // Walks `text` counting parentheses into `depth`; returns the index of the ")" that
 // brings it to 0, or npos.
@@ -112,8 +118,8 @@ bool ParamCollector::FindClosingLine(int32_t from, int32_t depth, int32_t& line,
     return true;
 }
 
-std::u16string ParamCollector::CollectParams(const RWord& wrd) {
-    std::u16string result;
+const std::u16string& ParamCollector::CollectParams(const RWord& wrd) {
+    result_.clear();
     Trap(kModule, "Function CollectParams", [&] {
         std::u16string_view text = wrd.word;
         size_t open = text.find(u'(');
@@ -122,13 +128,13 @@ std::u16string ParamCollector::CollectParams(const RWord& wrd) {
 
         // Fast paths that do not count nesting.
         if (!text.empty() && text.back() == u')') {
-            result = u"(" + std::u16string(text);
+            result_.assign(u"(").append(text);
             return;
         }
         if (!text.empty() && text.back() == u';') {
             size_t close = text.rfind(u')');
             if (close != npos) {
-                result = u"(" + std::u16string(text.substr(0, close + 1));
+                result_.assign(u"(").append(text.substr(0, close + 1));
                 return;
             }
         }
@@ -136,7 +142,7 @@ std::u16string ParamCollector::CollectParams(const RWord& wrd) {
         int32_t depth = 1;
         size_t at = WalkDepth(text, depth);
         if (at != npos) {
-            result = Enclose(Gathered().Add(text.substr(0, at)));
+            Enclose(Gathered(gathered_).Add(text.substr(0, at)), result_);
             return;
         }
         if (!indexed_) BuildIndex();
@@ -154,16 +160,16 @@ std::u16string ParamCollector::CollectParams(const RWord& wrd) {
         const int64_t length = static_cast<int64_t>(TrimmedView(text).size() + TrimmedView(tail).size()) +
                                TrimmedUnits(inner);
         if (!closes && length <= kMaxParamUnits) {
-            result = u"()";  // never closes: what was collected is dropped
+            result_.assign(u"()");  // never closes: what was collected is dropped
             return;
         }
         // Pieces from several lines are joined without a separator.
-        Gathered gathered;
+        Gathered gathered(gathered_);
         gathered.Add(text);
         for (auto n = inner.first; n != inner.second && !gathered.Full(); ++n) gathered.Add(LineAt(*n));
-        result = Enclose(gathered.Add(tail));
+        Enclose(gathered.Add(tail), result_);
     });
-    return result;
+    return result_;
 }
 
 }  // namespace kestrel

@@ -21,7 +21,8 @@ public:
     // list never closes before the end of the text. Gathered text is cut to its first
     // 65,536 units, and a list that never closes but gathers more than that returns the
     // cut text: no real list comes near it, and it keeps the output linear in the input.
-    std::u16string CollectParams(const RWord& wrd);
+    // The text stays valid until the next call.
+    const std::u16string& CollectParams(const RWord& wrd);
 
 private:
     const std::u16string& LineAt(int32_t n) const;
@@ -39,6 +40,9 @@ private:
 
     const std::vector<std::u16string>& lines_;
     int32_t lineCount_;
+    // Storage reused by every call: the result and the pieces gathered for it.
+    std::u16string result_;
+    std::u16string gathered_;
 
     // Built on first use, so that every list that runs past its line costs time in
     // proportion to what it collects, not to the rest of the text:
