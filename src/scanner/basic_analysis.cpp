@@ -3,6 +3,7 @@
 #include "common/constants.h"
 #include "common/text.h"
 #include "errorlog/errorlog.h"
+#include "scanner/qualified_name.h"
 
 namespace kestrel {
 
@@ -31,22 +32,20 @@ void BasicAnalysis::ProcessBasicDeclaration(RWord& wrd) {
             at = text.find(*keyword);
             if (at == npos) return;
         }
-        std::u16string rest = TrimSpaces(text.substr(at + keyword->size()));
-        std::u16string name = rest.substr(0, UpTo(rest, u" ("));
-        std::u16string fullName = wrd.Class + u"::" + name;
-        std::u16string paramText = params.CollectParams(wrd);
-        output.WriteDeclare__(fullName, wrd.Line, wrd.Scope, paramText);
+        std::u16string_view rest = TrimmedView(text.substr(at + keyword->size()));
+        std::u16string_view name = rest.substr(0, UpTo(rest, u" ("));
+        output.WriteDeclare__(QualifiedName(wrd.Class, {}, name), wrd.Line, wrd.Scope, params.CollectParams(wrd));
     });
 }
 
-std::u16string BasicAnalysis::GetBasicScope(RWord& wrd) {
-    std::u16string rest;
+std::u16string_view BasicAnalysis::GetBasicScope(RWord& wrd) {
+    std::u16string_view rest;
     Trap(kModule, "Function GetBasicScope", [&] {
         // Private, Friend, Public: the first word that occurs anywhere wins.
         for (const RWord* w : {&syntax.ScopeWords.StartWord, &syntax.ScopeWords.MiddleWord, &syntax.ScopeWords.EndWord}) {
             size_t at = wrd.word.find(w->word);
             if (at != npos) {
-                rest = TrimSpaces(std::u16string_view(wrd.word).substr(at + w->word.size()));
+                rest = TrimmedView(std::u16string_view(wrd.word).substr(at + w->word.size()));
                 wrd.Scope = w->Scope;
                 return;
             }
@@ -60,25 +59,25 @@ std::u16string BasicAnalysis::GetBasicScope(RWord& wrd) {
 void BasicAnalysis::ProcessBasicVariable(RWord& wrd) {
     Trap(kModule, kVariableTitle, [&] {
         if (wrd.word.empty() || wrd.Scope != kResultVariable) return;
-        std::u16string text = GetBasicScope(wrd);
-        std::u16string name;
+        std::u16string_view text = GetBasicScope(wrd);
+        std::u16string_view name;
         const std::u16string& dim = syntax.VarWords.StartWord.word;
         size_t at = text.find(dim);
         if (at != npos) {
             // The first word after Dim: only the first variable of a list.
-            std::u16string rest = TrimSpaces(std::u16string_view(text).substr(at + dim.size()));
+            std::u16string_view rest = TrimmedView(text.substr(at + dim.size()));
             name = rest.substr(0, UpTo(rest, u" *("));
         } else {
             // The last word before As, without a fixed length or array bounds.
             at = text.find(syntax.VarWords.EndWord.word);
             if (at == npos) return;
-            std::u16string before = TrimSpaces(std::u16string_view(text).substr(0, at));
-            before.resize(UpTo(before, u"*"));
-            before.resize(UpTo(before, u"("));
+            std::u16string_view before = TrimmedView(text.substr(0, at));
+            before = before.substr(0, UpTo(before, u"*"));
+            before = before.substr(0, UpTo(before, u"("));
             size_t blank = before.rfind(u' ');
             name = blank == npos ? before : before.substr(blank + 1);
         }
-        output.WriteVariable__(wrd.Class + u"::" + name, wrd.Line, wrd.Scope, u"");
+        output.WriteVariable__(QualifiedName(wrd.Class, {}, name), wrd.Line, wrd.Scope, u"");
     });
 }
 

@@ -25,7 +25,8 @@ struct BasicAnalysis {
     void ProcessBasicVariable(RWord& wrd);
     // The statement after its first scope word (trimmed), or the whole statement with
     // scope 0 when there is none; sets wrd.Scope.
-    std::u16string GetBasicScope(RWord& wrd);
+    // The text is a view into wrd.word.
+    std::u16string_view GetBasicScope(RWord& wrd);
 };
 
 }  // namespace kestrel

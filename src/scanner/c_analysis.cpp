@@ -2,6 +2,7 @@
 
 #include "common/text.h"
 #include "errorlog/errorlog.h"
+#include "scanner/qualified_name.h"
 #include "scanner/text_search.h"
 
 namespace kestrel {
@@ -13,15 +14,6 @@ constexpr size_t npos = std::u16string_view::npos;
 
 bool IsNameBreak(char16_t c) {
     return c == u' ' || c == u'&' || c == u'*';
-}
-
-// "Class::" + prefix + name in storage reused from one declaration to the next on
-// this thread; the output copies what it keeps.
-const std::u16string& QualifiedName(std::u16string_view className, std::u16string_view prefix,
-                                    std::u16string_view name) {
-    thread_local std::u16string fullName;
-    fullName.assign(className).append(u"::").append(prefix).append(name);
-    return fullName;
 }
 
 // Cuts `text` down, in place, to the trimmed piece of it that starts at `from`.
