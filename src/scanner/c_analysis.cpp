@@ -134,18 +134,20 @@ void CAnalysis::ProcessCVariable(RWord& wrd) {
         if (k == 0) return;  // a single word
 
         std::u16string_view name = decl.substr(k);
-        std::u16string typeText = CollectCVarParams(wrd, name);
+        // Reused from one variable to the next on this thread, as the full name is.
+        thread_local std::u16string typeText;
+        typeText.assign(CollectCVarParams(wrd, name));
         const std::u16string& fullName = QualifiedName(wrd.Class, {}, name);
         if (syntax.IsSeparator(fullName.back())) return;
         output.WriteVariable__(fullName, wrd.Line, wrd.Scope, typeText);
     });
 }
 
-std::u16string CollectCVarParams(const RWord& wrd, std::u16string_view name) {
-    std::u16string typeText;
+std::u16string_view CollectCVarParams(const RWord& wrd, std::u16string_view name) {
+    std::u16string_view typeText;
     Trap(kModule, "Function CollectCVarParams", [&] {
         size_t at = FindLastText(wrd.word, name);
-        if (at != npos && at >= 2) typeText = TrimSpaces(std::u16string_view(wrd.word).substr(0, at));
+        if (at != npos && at >= 2) typeText = TrimmedView(std::u16string_view(wrd.word).substr(0, at));
     });
     return typeText;
 }

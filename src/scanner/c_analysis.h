@@ -28,7 +28,8 @@ struct CAnalysis {
 
 // The type text before a variable's name: the statement before the last occurrence of
 // the name, trimmed ("" when that occurrence starts within the first two characters).
-std::u16string CollectCVarParams(const RWord& wrd, std::u16string_view name);
+// A view into wrd.word.
+std::u16string_view CollectCVarParams(const RWord& wrd, std::u16string_view name);
 
 // 1-based position of the first "=", else ">", else "<", else "#" in line; -1 if none.
 int32_t AssignmentOffset(std::u16string_view line);
