@@ -81,7 +81,7 @@ void clsClassObject::AddFunction__(std::u16string_view name, int32_t line, int32
         const Items::Probe probe = functions_.LocateJoined(name, params);
         ItemPtr item = probe.found;
         if (!item) {
-            item = std::make_shared<clsOneItem>(clsOneItem::FunctionKeyed{}, name, params);
+            item = clsOneItem::New(clsOneItem::FunctionKeyed{}, name, params);
             functions_.AddMissing(probe, {}, item);
             item->Line = -1;  // a new item always differs from what is stored below
             item->Scope = -1;
@@ -107,7 +107,7 @@ void clsClassObject::AddVariable__(std::u16string_view name, int32_t line, int32
         const Items::Probe probe = variables_.Locate(name);
         item = probe.found;
         if (!item) {
-            item = std::make_shared<clsOneItem>(name, params);
+            item = clsOneItem::New(name, params);
             variables_.AddMissing(probe, name, item);
             item->Line = -1;
             item->Scope = -1;
@@ -195,9 +195,7 @@ void clsClassObject::LoadFromBinaryData(const std::u16string& version, ModelSink
                 std::min<int64_t>(n, in.BytesLeft() / clsOneItem::SmallestRecord(itemVersion))));
             DuplicateRenamer renamer(items);
             for (int32_t k = 0; k < n && !in.HitEnd(); ++k) {
-                auto item = std::make_shared<clsOneItem>();
-                item->LoadFromBinaryFile(itemVersion);
-                renamer.Add(item, own);
+                renamer.Add(clsOneItem::LoadFromBinaryFile(itemVersion), own);
             }
         };
         loadItems(variables_, clsOneItem::OwnKey::Name);
