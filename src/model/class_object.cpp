@@ -73,15 +73,16 @@ int32_t clsClassObject::IsFunctionDefined(const std::u16string& szFuncName) cons
     return -1;
 }
 
-void clsClassObject::AddFunction__(const std::u16string& name, int32_t line, int32_t scope, ModelSink* sink,
-                                   const FilePtr& file, const std::u16string& params) {
+void clsClassObject::AddFunction__(std::u16string_view name, int32_t line, int32_t scope, ModelSink* sink,
+                                   const FilePtr& file, std::u16string_view params) {
     IgnoreErrors([&] {
-        const std::u16string key = MakeFuncKey__(name, params);
-        const Items::Probe probe = functions_.Locate(key);
+        // Looked up by name and parameters as they stand: the key is made only when an
+        // item has to be filed under it as a text of its own.
+        const Items::Probe probe = functions_.LocateJoined(name, params);
         ItemPtr item = probe.found;
         if (!item) {
-            item = std::make_shared<clsOneItem>(clsOneItem::FunctionKeyed{}, name, params);
-            functions_.AddMissing(probe, key, item);
+            item = clsOneItem::New(clsOneItem::FunctionKeyed{}, name, params);
+            functions_.AddMissing(probe, {}, item);
             item->Line = -1;  // a new item always differs from what is stored below
             item->Scope = -1;
         }
@@ -94,19 +95,20 @@ void clsClassObject::AddFunction__(const std::u16string& name, int32_t line, int
         // already; anything else is filed under the key as given.
         const bool sameParams = item->Params() == params;
         if (!sameParams) item->SetParams(params);
-        if (!sameParams || !item->KeyedByFunctionKey()) item->SetKeyVal(key);
+        if (!sameParams || !item->KeyedByFunctionKey()) item->SetKeyVal(MakeFuncKey__(name, params));
         IgnoreErrors([&] { Required(sink).AddFunction__(item, shared_from_this(), file); });
     });
 }
 
-void clsClassObject::AddVariable__(const std::u16string& name, int32_t line, int32_t scope, ModelSink* sink,
-                                   const FilePtr& file, const std::u16string& params) {
+void clsClassObject::AddVariable__(std::u16string_view name, int32_t line, int32_t scope, ModelSink* sink,
+                                   const FilePtr& file, std::u16string_view params) {
     ItemPtr item;
     IgnoreErrors([&] {
-        item = variables_.Find(name);
+        const Items::Probe probe = variables_.Locate(name);
+        item = probe.found;
         if (!item) {
-            item = std::make_shared<clsOneItem>(name, params);
-            variables_.Add(name, item);
+            item = clsOneItem::New(name, params);
+            variables_.AddMissing(probe, name, item);
             item->Line = -1;
             item->Scope = -1;
         }
@@ -193,9 +195,7 @@ void clsClassObject::LoadFromBinaryData(const std::u16string& version, ModelSink
                 std::min<int64_t>(n, in.BytesLeft() / clsOneItem::SmallestRecord(itemVersion))));
             DuplicateRenamer renamer(items);
             for (int32_t k = 0; k < n && !in.HitEnd(); ++k) {
-                auto item = std::make_shared<clsOneItem>();
-                item->LoadFromBinaryFile(itemVersion);
-                renamer.Add(item, own);
+                renamer.Add(clsOneItem::LoadFromBinaryFile(itemVersion), own);
             }
         };
         loadItems(variables_, clsOneItem::OwnKey::Name);

@@ -34,10 +34,10 @@ public:
     // Insert or refresh a member, mark it seen, and tell the sink (always, even when
     // nothing changed). Errors inside AddFunction__ (the sink's included) are ignored;
     // an error raised by the sink's AddVariable__ reaches the caller.
-    void AddFunction__(const std::u16string& name, int32_t line, int32_t scope, ModelSink* sink,
-                       const FilePtr& file, const std::u16string& params);
-    void AddVariable__(const std::u16string& name, int32_t line, int32_t scope, ModelSink* sink,
-                       const FilePtr& file, const std::u16string& params);
+    void AddFunction__(std::u16string_view name, int32_t line, int32_t scope, ModelSink* sink,
+                       const FilePtr& file, std::u16string_view params);
+    void AddVariable__(std::u16string_view name, int32_t line, int32_t scope, ModelSink* sink,
+                       const FilePtr& file, std::u16string_view params);
     // Mark-and-sweep of one update pass: clear every mark, then drop every member still
     // unmarked (variables first, then functions), telling the sink before each removal.
     void PrepareUpdate__();

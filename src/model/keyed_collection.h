@@ -89,6 +89,18 @@ public:
         const int32_t slot = Lookup(hash, [&](const Slot& s) { return SameKey(s, key); });
         return {slot < 0 ? nullptr : slots_[slot].value, hash};
     }
+    // As Locate for the key made of the units of `first` and then `second` with every
+    // space left out (a function's key from its name and parameters), without making it.
+    Probe LocateJoined(std::u16string_view first, std::u16string_view second) const {
+        const uint32_t hash = KeyHash().Add(first).Add(second).Value();
+        const int32_t slot = Lookup(hash, [&](const Slot& s) {
+            JoinedUnits joined{first, second};
+            char16_t next;
+            return ForEachSlotUnit(s, [&](char16_t c) { return joined.Next(next) && UpperUnit(c) == next; }) &&
+                   !joined.Next(next);
+        });
+        return {slot < 0 ? nullptr : slots_[slot].value, hash};
+    }
     // Appends under the key that `probe` missed; nothing may be added in between.
     void AddMissing(const Probe& probe, std::u16string_view key, Value value) {
         Reserve();
@@ -272,37 +284,45 @@ private:
         uint32_t hash = 0;
     };
 
-    // FNV-1a over the upper-cased units, so every letter case of a key hashes alike
-    // (an upper-cased key too, as UpperUnit keeps what it gives). Spaces are left out,
-    // so that an entry's KeyText hashes as its key does.
+    // FNV-1a over the upper-cased units, fed in one or more pieces. So every letter case
+    // of a key hashes alike (an upper-cased key too, as UpperUnit keeps what it gives).
+    // Spaces are left out, so that an entry's KeyText hashes as its key does, and so that
+    // a function's name and parameters hash as the key made of them without being joined.
     // Loading a project hashes the key of every item, so runs of ASCII are upper-cased
     // four units at a time.
-    static uint32_t HashOf(std::u16string_view key) {
-        uint32_t h = 2166136261u;
-        auto add = [&h](char16_t upper) {
-            if (upper != u' ') h = (h ^ upper) * 16777619u;
-        };
-        const char16_t* at = key.data();
-        const char16_t* const end = at + key.size();
-        for (; end - at >= 4; at += 4) {
-            uint64_t lanes;
-            std::memcpy(&lanes, at, sizeof lanes);
-            if (lanes & 0xFF80FF80FF80FF80u) {  // a unit beyond ASCII
-                for (int i = 0; i < 4; ++i) add(UpperUnit(at[i]));
-                continue;
+    class KeyHash {
+    public:
+        KeyHash& Add(std::u16string_view text) {
+            const char16_t* at = text.data();
+            const char16_t* const end = at + text.size();
+            for (; end - at >= 4; at += 4) {
+                uint64_t lanes;
+                std::memcpy(&lanes, at, sizeof lanes);
+                if (lanes & 0xFF80FF80FF80FF80u) {  // a unit beyond ASCII
+                    for (int i = 0; i < 4; ++i) Push(UpperUnit(at[i]));
+                    continue;
+                }
+                // Every lane is below 0x80, so adding less than 0x80 cannot carry out of it:
+                // bit 7 tells a lane from 'a' on, and a lane past 'z'.
+                const uint64_t fromA = lanes + 0x001F001F001F001Fu;
+                const uint64_t pastZ = lanes + 0x0005000500050005u;
+                lanes -= (fromA & ~pastZ & 0x0080008000800080u) >> 2;  // 0x20 off each of a..z
+                char16_t upper[4];
+                std::memcpy(upper, &lanes, sizeof upper);
+                for (char16_t u : upper) Push(u);
             }
-            // Every lane is below 0x80, so adding less than 0x80 cannot carry out of it:
-            // bit 7 tells a lane from 'a' on, and a lane past 'z'.
-            const uint64_t fromA = lanes + 0x001F001F001F001Fu;
-            const uint64_t pastZ = lanes + 0x0005000500050005u;
-            lanes -= (fromA & ~pastZ & 0x0080008000800080u) >> 2;  // 0x20 off each of a..z
-            char16_t upper[4];
-            std::memcpy(upper, &lanes, sizeof upper);
-            for (char16_t u : upper) add(u);
+            for (; at != end; ++at) Push(UpperUnit(*at));
+            return *this;
         }
-        for (; at != end; ++at) add(UpperUnit(*at));
-        return h;
-    }
+        uint32_t Value() const { return h_; }
+
+    private:
+        void Push(char16_t upper) {
+            if (upper != u' ') h_ = (h_ ^ upper) * 16777619u;
+        }
+        uint32_t h_ = 2166136261u;
+    };
+    static uint32_t HashOf(std::u16string_view key) { return KeyHash().Add(key).Value(); }
     // The hash of a live slot's key, as HashOf gives it for the key added under.
     static uint32_t HashOfSlot(const Slot& s) {
         if constexpr (kKeysCopied) {
@@ -330,13 +350,38 @@ private:
             return true;
         } else {
             size_t at = 0;
-            return s.value->ForEachKeyUnit([&](char16_t c) {
+            return ForEachSlotUnit(s, [&](char16_t c) {
                 if (at == key.size() || UpperUnit(c) != UpperUnit(key[at])) return false;
                 ++at;
                 return true;
             }) && at == key.size();
         }
     }
+    // Calls visit(unit) for each unit of a live slot's key until it answers false;
+    // answers whether every unit was visited.
+    template <class Visit>
+    static bool ForEachSlotUnit(const Slot& s, Visit&& visit) {
+        if constexpr (kKeysCopied) {
+            for (char16_t c : s.key)
+                if (!visit(c)) return false;
+            return true;
+        } else {
+            return s.value->ForEachKeyUnit(visit);
+        }
+    }
+    // The units of two texts in turn, upper-cased, spaces left out.
+    struct JoinedUnits {
+        std::u16string_view first, second;
+        bool Next(char16_t& unit) {
+            for (;;) {
+                if (first.empty()) first.swap(second);
+                if (first.empty()) return false;
+                unit = UpperUnit(first.front());
+                first.remove_prefix(1);
+                if (unit != u' ') return true;
+            }
+        }
+    };
     size_t Mask() const { return table_.size() - 1; }
     // The live slot that satisfies same(slot), or -1.
     template <class Same>

@@ -60,6 +60,7 @@ void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* sou
         for (const ClassPtr& c : classes_) c->PrepareUpdate__();
         RunningUpdate running;
         running.sink = sink;
+        running.self = shared_from_this();
         update_ = &running;
         struct ForgetUpdate {
             RunningUpdate*& slot;
@@ -77,7 +78,7 @@ void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* sou
             scanner.ParseFile(*this, language);
 
         // Members not seen again go first, then every class left empty.
-        FilePtr self = shared_from_this();
+        const FilePtr& self = running.self;
         classes_.RemoveWhere([&](const ClassPtr& c) {
             c->FinishUpdate__(sink, self);
             if (c->CountFunc() != 0 || c->CountVars() != 0) return false;
@@ -89,18 +90,26 @@ void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* sou
 
 void clsOneFile::ExtractClassInfo(const std::u16string& fullName, std::u16string& className,
                                   std::u16string& memberName) {
+    std::u16string_view classView, memberView;
+    SplitClassInfo(fullName, classView, memberView);
+    className = classView;
+    memberName = memberView;
+}
+
+void clsOneFile::SplitClassInfo(std::u16string_view fullName, std::u16string_view& className,
+                                std::u16string_view& memberName) {
     size_t p = fullName.find(u"::");
-    if (p == std::u16string::npos) {
-        className = u"Globals";
+    if (p == std::u16string_view::npos) {
+        className = {};
         memberName = fullName;
     } else {
-        className = TrimSpaces(std::u16string_view(fullName).substr(0, p));
-        memberName = TrimSpaces(std::u16string_view(fullName).substr(p + 2));
+        className = TrimmedView(fullName.substr(0, p));
+        memberName = TrimmedView(fullName.substr(p + 2));
     }
     if (className.empty()) className = u"Globals";
 }
 
-ClassPtr clsOneFile::ClassFor(const std::u16string& className) {
+ClassPtr clsOneFile::ClassFor(std::u16string_view className) {
     RunningUpdate* last = update_;
     if (last && last->found && last->removals == classes_.Removals() && last->className == className)
         return last->found;
@@ -125,13 +134,20 @@ ModelSink* clsOneFile::WriteSink(std::shared_ptr<ModelSink>& held) {
     return held.get();
 }
 
+const FilePtr& clsOneFile::WriteSelf(FilePtr& held) {
+    if (update_) return update_->self;
+    held = shared_from_this();
+    return held;
+}
+
 void clsOneFile::WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
                                 const std::u16string& params) {
     Trap(kModule, "Sub WriteDeclare__", [&] {
-        std::u16string className, memberName;
-        ExtractClassInfo(fullName, className, memberName);
-        std::shared_ptr<ModelSink> held;
-        ClassFor(className)->AddFunction__(memberName, line, scope, WriteSink(held), shared_from_this(), params);
+        std::u16string_view className, memberName;
+        SplitClassInfo(fullName, className, memberName);
+        std::shared_ptr<ModelSink> heldSink;
+        FilePtr heldSelf;
+        ClassFor(className)->AddFunction__(memberName, line, scope, WriteSink(heldSink), WriteSelf(heldSelf), params);
     });
 }
 
@@ -140,10 +156,11 @@ void clsOneFile::WriteVariable__(const std::u16string& fullName, int32_t line, i
     Trap(kModule, "Sub WriteVariable__", [&] {
         // A declarator list the scanner did not split ("a, b") is dropped on purpose.
         if (fullName.find(u',') != std::u16string::npos) return;
-        std::u16string className, memberName;
-        ExtractClassInfo(fullName, className, memberName);
-        std::shared_ptr<ModelSink> held;
-        ClassFor(className)->AddVariable__(memberName, line, scope, WriteSink(held), shared_from_this(), params);
+        std::u16string_view className, memberName;
+        SplitClassInfo(fullName, className, memberName);
+        std::shared_ptr<ModelSink> heldSink;
+        FilePtr heldSelf;
+        ClassFor(className)->AddVariable__(memberName, line, scope, WriteSink(heldSink), WriteSelf(heldSelf), params);
     });
 }
 

@@ -73,20 +73,26 @@ public:
     const KeyedCollection<clsClassObject>& Classes() const { return classes_; }
 
 private:
-    ClassPtr ClassFor(const std::u16string& className);
-    // The sink the write operations report to: the running update's, else the file's.
+    // As ExtractClassInfo, as views into fullName (or of "Globals").
+    static void SplitClassInfo(std::u16string_view fullName, std::u16string_view& className,
+                               std::u16string_view& memberName);
+    ClassPtr ClassFor(std::u16string_view className);
+    // The sink the write operations report to, and the file they report: the running
+    // update's, else the file's own (kept alive in held).
     ModelSink* WriteSink(std::shared_ptr<ModelSink>& held);
+    const FilePtr& WriteSelf(FilePtr& held);
 
     int32_t fileType_ = 0;
     std::u16string stored_;
     std::u16string absolute_;
     KeyedCollection<clsClassObject> classes_;
     std::weak_ptr<ModelSink> sink_;
-    // What the update running now keeps on its stack: its sink, and the class the last
-    // declaration went to, under the name it was asked for, so that a run of
-    // declarations of one class looks it up once.
+    // What the update running now keeps on its stack: its sink, the file itself, and
+    // the class the last declaration went to, under the name it was asked for, so that
+    // a run of declarations of one class looks it up once.
     struct RunningUpdate {
         ModelSink* sink = nullptr;
+        FilePtr self;
         std::u16string className;
         ClassPtr found;
         uint32_t removals = 0;  // classes_.Removals() when it was found

@@ -7,19 +7,72 @@
 namespace kestrel {
 
 // The four numbers, the marks and the text pointer: with the shared-pointer block an
-// item takes one 64-byte allocation.
+// item and a short name fit one 80-byte allocation.
 static_assert(sizeof(clsOneItem) <= 40);
+
+namespace {
+
+struct RoomRequest {
+    size_t units;
+    char16_t* room = nullptr;
+};
+
+// Allocates a shared pointer's block with room for `units` code units behind it and
+// tells where that room starts. The copy kept in the block only frees it.
+template <class T>
+struct AllocatorWithRoom {
+    using Request = RoomRequest;
+    using value_type = T;
+    explicit AllocatorWithRoom(Request* r) : request(r) {}
+    template <class U>
+    AllocatorWithRoom(const AllocatorWithRoom<U>& other) : request(other.request) {}
+    T* allocate(size_t n) {
+        static_assert(alignof(T) >= alignof(char16_t));
+        const size_t bytes = n * sizeof(T);
+        char* block = static_cast<char*>(::operator new(bytes + request->units * sizeof(char16_t)));
+        request->room = reinterpret_cast<char16_t*>(block + bytes);
+        return reinterpret_cast<T*>(block);
+    }
+    void deallocate(T* block, size_t) noexcept { ::operator delete(block); }
+    template <class U>
+    bool operator==(const AllocatorWithRoom<U>&) const {
+        return true;
+    }
+    Request* request;
+};
+
+}  // namespace
+
+std::pair<ItemPtr, char16_t*> clsOneItem::WithRoom(size_t units) {
+    using Allocator = AllocatorWithRoom<clsOneItem>;
+    RoomRequest request{units};
+    ItemPtr item = std::allocate_shared<clsOneItem>(Allocator(&request));
+    return {std::move(item), request.room};
+}
+
+ItemPtr clsOneItem::New(std::u16string_view name, std::u16string_view params) {
+    auto [item, room] = WithRoom(name.size() + params.size());
+    item->Store(name, params, {}, {}, room);
+    return item;
+}
+
+ItemPtr clsOneItem::New(FunctionKeyed, std::u16string_view name, std::u16string_view params) {
+    ItemPtr item = New(name, params);
+    item->SetKeyValToOwn(OwnKey::FunctionKey);  // a key with no unit at all is no key
+    return item;
+}
 
 clsOneItem::clsOneItem(std::u16string_view name, std::u16string_view params, std::u16string_view keyVal) {
     Store(name, params, {}, keyVal);
 }
 
-clsOneItem::clsOneItem(FunctionKeyed, std::u16string_view name, std::u16string_view params) {
-    Store(name, params, {}, {});
-    SetKeyValToOwn(OwnKey::FunctionKey);  // a key with no unit at all is no key
-}
-
 clsOneItem::clsOneItem(const clsOneItem& other) { *this = other; }
+
+clsOneItem::~clsOneItem() { ReleaseTexts(); }
+
+void clsOneItem::ReleaseTexts() {
+    if (ownsTexts_) delete[] texts_;
+}
 
 clsOneItem& clsOneItem::operator=(const clsOneItem& other) {
     if (this == &other) return *this;
@@ -63,7 +116,7 @@ bool clsOneItem::SetKeyValToOwn(OwnKey own) {
     if (own == OwnKey::Name) {
         form = nameLen_ == 0 ? KeyForm::Empty : KeyForm::SameAsName;
     } else {
-        const std::u16string_view texts(texts_.get(), nameLen_ + paramsLen_);
+        const std::u16string_view texts(texts_, nameLen_ + paramsLen_);
         if (texts.find_first_not_of(u' ') == std::u16string_view::npos) return false;
     }
     if (keyForm_ == KeyForm::Stored) Store(Name(), Params(), UserData(), {});
@@ -88,15 +141,18 @@ clsOneItem::KeyForm clsOneItem::FormOf(std::u16string_view name, std::u16string_
 
 template <class Fill>
 void clsOneItem::Replace(size_t nameLen, size_t paramsLen, size_t userDataLen, size_t keyLen, KeyForm form,
-                         Fill&& fill) {
+                         Fill&& fill, char16_t* room) {
     const size_t total = nameLen + paramsLen + userDataLen + keyLen;
-    std::unique_ptr<char16_t[]> texts;
+    char16_t* texts = nullptr;
     if (total > 0) {
-        texts.reset(new char16_t[total]);
-        fill(texts.get());
+        texts = room ? room : new char16_t[total];
+        fill(texts);
     }
-    // The old texts go only now: fill may read them.
-    texts_ = std::move(texts);
+    // The old texts go only now: fill may read them. Room in the item's allocation
+    // stays with it, unused.
+    ReleaseTexts();
+    texts_ = texts;
+    ownsTexts_ = texts && !room;
     nameLen_ = static_cast<uint32_t>(nameLen);
     paramsLen_ = static_cast<uint32_t>(paramsLen);
     userDataLen_ = static_cast<uint32_t>(userDataLen);
@@ -105,33 +161,38 @@ void clsOneItem::Replace(size_t nameLen, size_t paramsLen, size_t userDataLen, s
 }
 
 void clsOneItem::Store(std::u16string_view name, std::u16string_view params, std::u16string_view userData,
-                       std::u16string_view keyVal) {
+                       std::u16string_view keyVal, char16_t* room) {
     const KeyForm form = FormOf(name, params, keyVal);
     const size_t keyLen = form == KeyForm::Stored ? keyVal.size() : 0;
     Replace(name.size(), params.size(), userData.size(), keyLen, form, [&](char16_t* to) {
         for (std::u16string_view part : {name, params, userData, keyVal.substr(0, keyLen)})
             to = std::copy(part.begin(), part.end(), to);
-    });
+    }, room);
 }
 
-void clsOneItem::LoadFromBinaryFile(int32_t version) {
+ItemPtr clsOneItem::LoadFromBinaryFile(int32_t version) {
     clsBinaryFile& in = g_BinaryFile();
     // The bytes of Name, UserData and Params as the record holds them, in one buffer kept
     // from item to item and widened straight into the item's one allocation.
     thread_local std::string read;
     read.clear();
     const size_t nameLen = in.AppendStringBytes(read);
-    Line = in.LoadNumeric();
-    Scope = in.LoadNumeric();
-    UserId = in.LoadNumeric();
+    const int32_t line = in.LoadNumeric();
+    const int32_t scope = in.LoadNumeric();
+    const int32_t userId = in.LoadNumeric();
     const size_t userDataLen = in.AppendStringBytes(read);
     const size_t paramsLen = version >= 11 ? in.AppendStringBytes(read) : 0;
     const std::string_view bytes(read);
-    Replace(nameLen, paramsLen, userDataLen, 0, KeyForm::Empty, [&](char16_t* to) {
+    auto [item, room] = WithRoom(bytes.size());
+    item->Line = line;
+    item->Scope = scope;
+    item->UserId = userId;
+    item->Replace(nameLen, paramsLen, userDataLen, 0, KeyForm::Empty, [&](char16_t* to) {
         for (std::string_view part :
              {bytes.substr(0, nameLen), bytes.substr(nameLen + userDataLen), bytes.substr(nameLen, userDataLen)})
             for (char byte : part) *to++ = static_cast<unsigned char>(byte);
-    });
+    }, room);
+    return item;
 }
 
 }  // namespace kestrel

@@ -2,14 +2,16 @@
 // One function or one variable of a class.
 //
 // A project holds tens of thousands of items, so an item keeps its texts in a single
-// allocation behind accessors: Name, Params and UserData side by side, and KeyVal only
+// block behind accessors: Name, Params and UserData side by side, and KeyVal only
 // when it is not one the item can rebuild (a variable's own Name, or a function's name
 // and parameters upper-cased without spaces, which is nearly always the case).
-// An item with no text at all allocates nothing.
+// An item made by New or read by LoadFromBinaryFile has that block in the allocation
+// of its shared pointer, so it costs one allocation, not two, until a text changes.
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "common/text.h"
 #include "model/model_sink.h"
@@ -29,22 +31,27 @@ private:
     // after Used.
     enum class KeyForm : uint8_t { Empty, SameAsName, FunctionKey, Stored };
     KeyForm keyForm_ = KeyForm::Empty;
+    bool ownsTexts_ = false;  // texts_ is a block of its own, not room in the item's allocation
 
 public:
     clsOneItem() = default;
     clsOneItem(std::u16string_view name, std::u16string_view params, std::u16string_view keyVal = {});
     // A function filed under the function key of its name and parameters, which the
-    // caller has just built: the key is not compared again.
+    // caller has just looked it up by: the key is not compared again.
     struct FunctionKeyed {};
-    clsOneItem(FunctionKeyed, std::u16string_view name, std::u16string_view params);
     clsOneItem(const clsOneItem& other);
     clsOneItem& operator=(const clsOneItem& other);
+    ~clsOneItem();
 
-    std::u16string_view Name() const { return {texts_.get(), nameLen_}; }  // as written in the source
+    // As the constructors, in one allocation with the texts.
+    static ItemPtr New(std::u16string_view name, std::u16string_view params);
+    static ItemPtr New(FunctionKeyed, std::u16string_view name, std::u16string_view params);
+
+    std::u16string_view Name() const { return {texts_, nameLen_}; }  // as written in the source
     // Parameter text of a function (or type text of a variable).
-    std::u16string_view Params() const { return {texts_.get() + nameLen_, paramsLen_}; }
+    std::u16string_view Params() const { return {texts_ + nameLen_, paramsLen_}; }
     // Host's text, never interpreted.
-    std::u16string_view UserData() const { return {texts_.get() + nameLen_ + paramsLen_, userDataLen_}; }
+    std::u16string_view UserData() const { return {texts_ + nameLen_ + paramsLen_, userDataLen_}; }
     // Key under which the item sits in its class; empty for a variable added by a scan.
     std::u16string KeyVal() const;
     bool HasKeyVal() const { return keyForm_ != KeyForm::Empty; }
@@ -89,22 +96,22 @@ public:
             case KeyForm::Stored:
                 return StoredKey();
             case KeyForm::FunctionKey:
-                return {texts_.get(), nameLen_ + paramsLen_};  // Name and Params side by side
+                return {texts_, nameLen_ + paramsLen_};  // Name and Params side by side
             default:
                 return Name();
         }
     }
 
-    // Reads the item record from g_BinaryFile(); Params only from version 11 on. KeyVal
+    // Reads an item record from g_BinaryFile(); Params only from version 11 on. KeyVal
     // is left empty for the class to set.
-    void LoadFromBinaryFile(int32_t version);
+    static ItemPtr LoadFromBinaryFile(int32_t version);
     // Bytes of the shortest item record of that version: its numbers and the lengths of
     // its texts.
     static constexpr int32_t SmallestRecord(int32_t version) { return version >= 11 ? 24 : 20; }
 
 private:
     std::u16string_view StoredKey() const {
-        return {texts_.get() + nameLen_ + paramsLen_ + userDataLen_, keyLen_};
+        return {texts_ + nameLen_ + paramsLen_ + userDataLen_, keyLen_};
     }
     template <class Visit>
     static bool ForEachUnit(std::u16string_view text, Visit& visit) {
@@ -113,15 +120,21 @@ private:
         return true;
     }
     static KeyForm FormOf(std::u16string_view name, std::u16string_view params, std::u16string_view keyVal);
-    // Replaces every text at once; the views may point into the item's own texts.
+    // Replaces every text at once; the views may point into the item's own texts. See
+    // Replace for room.
     void Store(std::u16string_view name, std::u16string_view params, std::u16string_view userData,
-               std::u16string_view keyVal);
+               std::u16string_view keyVal, char16_t* room = nullptr);
     // As Store, for texts of the lengths given that fill(block) writes in their order
-    // (Name, Params, UserData, a stored key) into a new block.
+    // (Name, Params, UserData, a stored key) into a new block, or into `room` when given:
+    // room for them all that the item does not own.
     template <class Fill>
-    void Replace(size_t nameLen, size_t paramsLen, size_t userDataLen, size_t keyLen, KeyForm form, Fill&& fill);
+    void Replace(size_t nameLen, size_t paramsLen, size_t userDataLen, size_t keyLen, KeyForm form, Fill&& fill,
+                 char16_t* room = nullptr);
+    // A new item with room for `units` code units in its own allocation.
+    static std::pair<ItemPtr, char16_t*> WithRoom(size_t units);
+    void ReleaseTexts();
 
-    std::unique_ptr<char16_t[]> texts_;  // Name, Params, UserData, then a stored KeyVal
+    char16_t* texts_ = nullptr;  // Name, Params, UserData, then a stored KeyVal
     uint32_t nameLen_ = 0;
     uint32_t paramsLen_ = 0;
     uint32_t userDataLen_ = 0;
