@@ -24,8 +24,7 @@ struct BasicAnalysis {
     // Sets wrd.Scope from the scope word it finds.
     void ProcessBasicVariable(RWord& wrd);
     // The statement after its first scope word (trimmed), or the whole statement with
-    // scope 0 when there is none; sets wrd.Scope.
-    // The text is a view into wrd.word.
+    // scope 0 when there is none, as a view into wrd.word; sets wrd.Scope.
     std::u16string_view GetBasicScope(RWord& wrd);
 };
 
