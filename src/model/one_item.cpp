@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
+#include "model/item_memory.h"
 #include "persist/binary_file.h"
 
 namespace kestrel {
 
-// The four numbers, the marks and the text pointer: with the shared-pointer block an
-// item and a short name fit one 80-byte allocation.
+// The four numbers, the marks and the text pointer.
 static_assert(sizeof(clsOneItem) <= 40);
 
 namespace {
@@ -17,8 +17,9 @@ struct RoomRequest {
     char16_t* room = nullptr;
 };
 
-// Allocates a shared pointer's block with room for `units` code units behind it and
-// tells where that room starts. The copy kept in the block only frees it.
+// Allocates a shared pointer's block, from item memory, with room for `units` code
+// units behind it and tells where that room starts. The copy kept in the block only
+// frees it.
 template <class T>
 struct AllocatorWithRoom {
     using Request = RoomRequest;
@@ -29,11 +30,11 @@ struct AllocatorWithRoom {
     T* allocate(size_t n) {
         static_assert(alignof(T) >= alignof(char16_t));
         const size_t bytes = n * sizeof(T);
-        char* block = static_cast<char*>(::operator new(bytes + request->units * sizeof(char16_t)));
+        char* block = static_cast<char*>(AllocateItemMemory(bytes + request->units * sizeof(char16_t)));
         request->room = reinterpret_cast<char16_t*>(block + bytes);
         return reinterpret_cast<T*>(block);
     }
-    void deallocate(T* block, size_t) noexcept { ::operator delete(block); }
+    void deallocate(T* block, size_t) noexcept { FreeItemMemory(block); }
     template <class U>
     bool operator==(const AllocatorWithRoom<U>&) const {
         return true;
