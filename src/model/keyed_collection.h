@@ -16,7 +16,6 @@
 // until empty").
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,6 +25,7 @@
 
 #include "common/text.h"
 #include "errorlog/errorlog.h"
+#include "model/key_hash.h"
 
 namespace kestrel {
 
@@ -284,44 +284,6 @@ private:
         uint32_t hash = 0;
     };
 
-    // FNV-1a over the upper-cased units, fed in one or more pieces. So every letter case
-    // of a key hashes alike (an upper-cased key too, as UpperUnit keeps what it gives).
-    // Spaces are left out, so that an entry's KeyText hashes as its key does, and so that
-    // a function's name and parameters hash as the key made of them without being joined.
-    // Loading a project hashes the key of every item, so runs of ASCII are upper-cased
-    // four units at a time.
-    class KeyHash {
-    public:
-        KeyHash& Add(std::u16string_view text) {
-            const char16_t* at = text.data();
-            const char16_t* const end = at + text.size();
-            for (; end - at >= 4; at += 4) {
-                uint64_t lanes;
-                std::memcpy(&lanes, at, sizeof lanes);
-                if (lanes & 0xFF80FF80FF80FF80u) {  // a unit beyond ASCII
-                    for (int i = 0; i < 4; ++i) Push(UpperUnit(at[i]));
-                    continue;
-                }
-                // Every lane is below 0x80, so adding less than 0x80 cannot carry out of it:
-                // bit 7 tells a lane from 'a' on, and a lane past 'z'.
-                const uint64_t fromA = lanes + 0x001F001F001F001Fu;
-                const uint64_t pastZ = lanes + 0x0005000500050005u;
-                lanes -= (fromA & ~pastZ & 0x0080008000800080u) >> 2;  // 0x20 off each of a..z
-                char16_t upper[4];
-                std::memcpy(upper, &lanes, sizeof upper);
-                for (char16_t u : upper) Push(u);
-            }
-            for (; at != end; ++at) Push(UpperUnit(*at));
-            return *this;
-        }
-        uint32_t Value() const { return h_; }
-
-    private:
-        void Push(char16_t upper) {
-            if (upper != u' ') h_ = (h_ ^ upper) * 16777619u;
-        }
-        uint32_t h_ = 2166136261u;
-    };
     static uint32_t HashOf(std::u16string_view key) { return KeyHash().Add(key).Value(); }
     // The hash of a live slot's key, as HashOf gives it for the key added under.
     static uint32_t HashOfSlot(const Slot& s) {
