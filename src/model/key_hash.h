@@ -8,8 +8,8 @@
 // Loading a project hashes the key of every item, and parameter texts are full of
 // spaces. A hash that takes one unit at a time and skips the spaces with a test waits
 // for a multiplication per unit; here the kept units are first packed into a small
-// buffer without a branch (each is stored, and the end moves on only for a non-space),
-// and the buffer is hashed four units (one 64-bit word) per multiplication.
+// buffer (see PackKeyUnits), which is then hashed four units (one 64-bit word) per
+// multiplication.
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -17,20 +17,22 @@
 #include <cstring>
 #include <string_view>
 
-#include "common/text.h"
-
 namespace kestrel {
+
+// Writes the units of text[0, n) upper-cased to `to`, spaces left out, and answers how
+// many it wrote. It may write up to n units, spaces included, past the last one kept.
+size_t PackKeyUnits(const char16_t* text, size_t n, char16_t* to);
+// The same one unit at a time, as PackKeyUnits does on processors without byte shuffles.
+size_t PackKeyUnitsOneByOne(const char16_t* text, size_t n, char16_t* to);
 
 class KeyHash {
 public:
     KeyHash& Add(std::u16string_view text) {
-        const char16_t* at = text.data();
-        const char16_t* const end = at + text.size();
-        while (at != end) {
+        while (!text.empty()) {
             // At most three units wait in the buffer here, so a chunk always fits.
-            const char16_t* const chunkEnd = at + std::min<size_t>(static_cast<size_t>(end - at), kChunk);
-            for (; chunkEnd - at >= 4; at += 4) Pack4(at);
-            for (; at != chunkEnd; ++at) Keep(UpperUnit(*at));
+            const size_t n = std::min(text.size(), kChunk);
+            packed_ += PackKeyUnits(text.data(), n, buffer_ + packed_);
+            text.remove_prefix(n);
             HashWholeWords();
         }
         return *this;
@@ -54,24 +56,6 @@ public:
 private:
     static constexpr size_t kChunk = 64;
 
-    // Upper-cases four units and packs those that are not spaces.
-    void Pack4(const char16_t* at) {
-        uint64_t lanes = Word(at);
-        if (lanes & 0xFF80FF80FF80FF80u) {  // a unit beyond ASCII
-            for (int i = 0; i < 4; ++i) Keep(UpperUnit(at[i]));
-            return;
-        }
-        // Every lane is below 0x80, so adding less than 0x80 cannot carry out of it:
-        // bit 7 tells a lane from 'a' on, and a lane past 'z'.
-        const uint64_t fromA = lanes + 0x001F001F001F001Fu;
-        const uint64_t pastZ = lanes + 0x0005000500050005u;
-        lanes -= (fromA & ~pastZ & 0x0080008000800080u) >> 2;  // 0x20 off each of a..z
-        for (int i = 0; i < 4; ++i) Keep(static_cast<char16_t>(lanes >> (16 * i)));
-    }
-    void Keep(char16_t upper) {
-        buffer_[packed_] = upper;
-        packed_ += upper != u' ';
-    }
     // Hashes the whole words packed and moves what is left of the last to the front.
     void HashWholeWords() {
         const size_t words = packed_ / 4;
@@ -91,8 +75,7 @@ private:
     uint64_t state_ = 0x243F6A8885A308D3u;
     uint64_t kept_ = 0;  // units hashed into state_
     size_t packed_ = 0;  // units waiting in buffer_
-    // Three waiting units and a chunk. A space is stored too, where the next unit
-    // overwrites it.
+    // Three waiting units and a chunk, spaces included.
     char16_t buffer_[3 + kChunk];
 };
 

@@ -172,27 +172,35 @@ void clsOneItem::Store(std::u16string_view name, std::u16string_view params, std
 }
 
 ItemPtr clsOneItem::LoadFromBinaryFile(int32_t version) {
+    // The record is read in place, in one window of the file that grows as its lengths
+    // become known: Name, Line, Scope, UserId, UserData, then Params. Its texts are
+    // widened from there straight into the item's one allocation.
     clsBinaryFile& in = g_BinaryFile();
-    // The bytes of Name, UserData and Params as the record holds them, in one buffer kept
-    // from item to item and widened straight into the item's one allocation.
-    thread_local std::string read;
-    read.clear();
-    const size_t nameLen = in.AppendStringBytes(read);
-    const int32_t line = in.LoadNumeric();
-    const int32_t scope = in.LoadNumeric();
-    const int32_t userId = in.LoadNumeric();
-    const size_t userDataLen = in.AppendStringBytes(read);
-    const size_t paramsLen = version >= 11 ? in.AppendStringBytes(read) : 0;
-    const std::string_view bytes(read);
-    auto [item, room] = WithRoom(bytes.size());
-    item->Line = line;
-    item->Scope = scope;
-    item->UserId = userId;
-    item->Replace(nameLen, paramsLen, userDataLen, 0, KeyForm::Empty, [&](char16_t* to) {
-        for (std::string_view part :
-             {bytes.substr(0, nameLen), bytes.substr(nameLen + userDataLen), bytes.substr(nameLen, userDataLen)})
-            for (char byte : part) *to++ = static_cast<unsigned char>(byte);
+    size_t end = 0;  // of the record so far
+    struct Text {
+        size_t at, length;
+    };
+    const auto text = [&] {
+        const size_t length = clsBinaryFile::TextLength(clsBinaryFile::DecodeNumeric(in.Window(end + 4).data() + end));
+        const Text t{end + 4, length};
+        end = t.at + length;
+        return t;
+    };
+    const Text name = text();
+    const size_t numbers = end;
+    end += 12;
+    const Text userData = text();
+    const Text params = version >= 11 ? text() : Text{end, 0};
+    const char* const record = in.Window(end).data();
+    auto [item, room] = WithRoom(name.length + params.length + userData.length);
+    item->Line = clsBinaryFile::DecodeNumeric(record + numbers);
+    item->Scope = clsBinaryFile::DecodeNumeric(record + numbers + 4);
+    item->UserId = clsBinaryFile::DecodeNumeric(record + numbers + 8);
+    item->Replace(name.length, params.length, userData.length, 0, KeyForm::Empty, [&](char16_t* to) {
+        for (const Text& t : {name, params, userData})
+            to = std::copy_n(reinterpret_cast<const unsigned char*>(record + t.at), t.length, to);
     }, room);
+    in.Skip(end);
     return item;
 }
 

@@ -145,10 +145,29 @@ int64_t clsBinaryFile::BytesLeft() const {
 }
 
 int32_t clsBinaryFile::LoadNumericAcrossBlocks() {
-    unsigned char b[4];
+    char b[4];
     ReadUnits(b, 4);
-    uint32_t v = uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 | uint32_t(b[3]) << 24;
-    return static_cast<int32_t>(v);
+    return DecodeNumeric(b);
+}
+
+void clsBinaryFile::WidenWindow(size_t n) {
+    buffer_.erase(buffer_.begin(), buffer_.begin() + static_cast<std::ptrdiff_t>(bufferPos_));
+    bufferStart_ += static_cast<int64_t>(bufferPos_);
+    bufferPos_ = 0;
+    size_t have = buffer_.size();
+    buffer_.resize(std::max(n, kBufferSize));
+    while (have < n && IsOpen() && !writing_) {
+        ssize_t got = ::read(fd_, buffer_.data() + have, buffer_.size() - have);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        have += static_cast<size_t>(got);
+    }
+    if (have < n) {  // past the end, or unreadable
+        std::fill(buffer_.begin() + static_cast<std::ptrdiff_t>(have), buffer_.end(), '\0');
+        have = n;
+        hitEnd_ = true;
+    }
+    buffer_.resize(have);
 }
 
 std::u16string clsBinaryFile::LoadString() {
@@ -157,28 +176,9 @@ std::u16string clsBinaryFile::LoadString() {
     return text;
 }
 
-size_t clsBinaryFile::LoadStringLength() {
-    const int32_t n = LoadNumeric();
-    // The text of an overlong string is deliberately not skipped.
-    return n < 1 || n >= kMaxStringRead ? 0 : static_cast<size_t>(n);
-}
-
 void clsBinaryFile::LoadString(std::u16string& into) {
-    into.resize(LoadStringLength());
+    into.resize(TextLength(LoadNumeric()));
     ReadUnits(into.data(), into.size());  // each byte is one code unit
-}
-
-size_t clsBinaryFile::AppendStringBytes(std::string& into) {
-    const size_t length = LoadStringLength();
-    if (buffer_.size() - bufferPos_ >= length) {  // nearly always: taken whole from the buffer
-        into.append(buffer_.data() + bufferPos_, length);
-        bufferPos_ += length;
-    } else {
-        const size_t at = into.size();
-        into.resize(at + length);
-        ReadUnits(into.data() + at, length);
-    }
-    return length;
 }
 
 void clsBinaryFile::SaveNumeric(int32_t lNum) {

@@ -38,17 +38,31 @@ public:
     // in the buffer) stays inline.
     int32_t LoadNumeric() {
         if (buffer_.size() - bufferPos_ < 4) return LoadNumericAcrossBlocks();
-        const auto* b = reinterpret_cast<const unsigned char*>(buffer_.data()) + bufferPos_;
         bufferPos_ += 4;
-        return static_cast<int32_t>(uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 |
-                                    uint32_t(b[3]) << 24);
+        return DecodeNumeric(buffer_.data() + bufferPos_ - 4);
     }
     std::u16string LoadString();
     // As LoadString, into a string whose room is reused.
     void LoadString(std::u16string& into);
-    // As LoadString, the string's bytes (one per code unit) appended to `into` as they
-    // stand; answers how many were appended. For a reader that widens them itself.
-    size_t AppendStringBytes(std::string& into);
+    // The next n bytes in one piece, from the read position on, which does not move:
+    // valid until the next read. What lies past the end of the file reads as zeros
+    // (and HitEnd). For a reader that takes a whole record in place: it asks for a
+    // longer window as it learns the record's lengths, then Skips it.
+    std::string_view Window(size_t n) {
+        if (buffer_.size() - bufferPos_ < n) WidenWindow(n);
+        return {buffer_.data() + bufferPos_, n};
+    }
+    // Moves the read position on by n bytes of the last Window.
+    void Skip(size_t n) { bufferPos_ += n; }
+    // The number record at `bytes`.
+    static int32_t DecodeNumeric(const char* bytes) {
+        const auto* b = reinterpret_cast<const unsigned char*>(bytes);
+        return static_cast<int32_t>(uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 |
+                                    uint32_t(b[3]) << 24);
+    }
+    // How many bytes of text follow a string record's length: none for the empty and
+    // the overlong (whose text is deliberately not skipped).
+    static size_t TextLength(int32_t length) { return length < 1 || length >= kMaxStringRead ? 0 : size_t(length); }
     // Bytes between the read position and the end of the file as it was when opened;
     // 0 when not reading. Bounds what a count read from the file may claim.
     int64_t BytesLeft() const;
@@ -64,10 +78,10 @@ private:
     // Reads n bytes, each widened to one Unit; what lies past the end reads as zeros.
     template <class Unit>
     void ReadUnits(Unit* into, size_t n);
-    // The length of the next string record as its text is to be read: 0 for the empty
-    // and the overlong.
-    size_t LoadStringLength();
     int32_t LoadNumericAcrossBlocks();
+    // Moves the unread bytes to the front of the buffer and reads behind them until n
+    // are there, the missing ones zeros.
+    void WidenWindow(size_t n);
     // Reads the next block into the buffer; false (and HitEnd) when nothing came.
     bool Refill();
     void WriteBytes(const char* from, size_t n);

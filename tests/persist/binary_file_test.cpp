@@ -86,35 +86,41 @@ TEST_F(BinaryFileFixture, AStringCutShortKeepsItsLengthWithNuls) {
     EXPECT_TRUE(file.HitEnd());
 }
 
-TEST_F(BinaryFileFixture, StringBytesAppendAcrossReadBlocksAndTheBytesLeftCountDown) {
-    // Three texts of 30,000 bytes: the third runs over the first 64 KB the reader takes in.
+TEST_F(BinaryFileFixture, WindowsSpanReadBlocksAndTheBytesLeftCountDown) {
+    // Three texts of 30,000 bytes: one window over all of them is wider than the 64 KB
+    // the reader takes in at a time.
     std::string bytes;
     for (char c : {'a', 'b', 'c'}) bytes += Le(30000) + std::string(30000, c);
     bytes += Le(3) + "\xe9?z" + Le(0) + Le(-1) + Le(40000) + Le(7);
     WriteBytes(bytes);
     ASSERT_TRUE(file.OpenFile(Name(), false));
     EXPECT_EQ(file.BytesLeft(), static_cast<int64_t>(bytes.size()));
-    std::string read = "x";
-    for (char c : {'a', 'b', 'c'}) {
-        EXPECT_EQ(file.AppendStringBytes(read), 30000u);
-        EXPECT_EQ(read.back(), c);
-    }
-    EXPECT_EQ(read, "x" + std::string(30000, 'a') + std::string(30000, 'b') + std::string(30000, 'c'));
+    EXPECT_EQ(file.LoadNumeric(), 30000);  // the window starts where reading stands
+    std::string_view window = file.Window(3 * 30004 - 4);
+    EXPECT_EQ(window, bytes.substr(4, 3 * 30004 - 4));
+    EXPECT_EQ(file.BytesLeft(), static_cast<int64_t>(bytes.size()) - 4);  // a window reads nothing
+    file.Skip(window.size());
     EXPECT_EQ(file.BytesLeft(), 23);
-    read.clear();
-    EXPECT_EQ(file.AppendStringBytes(read), 3u);
-    EXPECT_EQ(read, "\xe9?z");
-    for (int k = 0; k < 3; ++k) EXPECT_EQ(file.AppendStringBytes(read), 0u);  // empty, negative, overlong
+    EXPECT_EQ(file.LoadNumeric(), 3);
+    EXPECT_EQ(file.Window(3), "\xe9?z");
+    file.Skip(3);
+    for (int32_t length : {0, -1, 40000}) {  // empty, negative, overlong: no text follows
+        EXPECT_EQ(clsBinaryFile::TextLength(clsBinaryFile::DecodeNumeric(file.Window(4).data())),
+                  0u) << length;
+        file.Skip(4);
+    }
+    EXPECT_EQ(clsBinaryFile::TextLength(31999), 31999u);
     EXPECT_EQ(file.LoadNumeric(), 7);
     EXPECT_EQ(file.BytesLeft(), 0);
     EXPECT_FALSE(file.HitEnd());
-    WriteBytes(Le(5) + "ab");  // cut short: the missing bytes read as NULs
+
+    WriteBytes(Le(5) + "ab");  // cut short: the missing bytes read as zeros
     ASSERT_TRUE(file.OpenFile(Name(), false));
-    read.clear();
-    EXPECT_EQ(file.AppendStringBytes(read), 5u);
-    EXPECT_EQ(read, std::string("ab\0\0\0", 5));
+    EXPECT_EQ(file.Window(9), Le(5) + std::string("ab\0\0\0", 5));
     EXPECT_TRUE(file.HitEnd());
+    file.Skip(9);
     EXPECT_EQ(file.BytesLeft(), 0);
+    EXPECT_EQ(file.LoadNumeric(), 0);
 }
 
 TEST_F(BinaryFileFixture, OpeningMissingFilesFoldersAndExistingFilesForWriting) {
