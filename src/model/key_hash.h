@@ -27,6 +27,9 @@ size_t PackKeyUnitsOneByOne(const char16_t* text, size_t n, char16_t* to);
 
 class KeyHash {
 public:
+    // Provided, so that KeyHash() leaves the buffer as it is instead of zeroing it.
+    KeyHash() {}
+
     KeyHash& Add(std::u16string_view text) {
         while (!text.empty()) {
             // At most three units wait in the buffer here, so a chunk always fits.
