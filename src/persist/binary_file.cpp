@@ -151,11 +151,13 @@ int32_t clsBinaryFile::LoadNumericAcrossBlocks() {
 }
 
 void clsBinaryFile::WidenWindow(size_t n) {
-    buffer_.erase(buffer_.begin(), buffer_.begin() + static_cast<std::ptrdiff_t>(bufferPos_));
+    // The unread bytes go to the front of the buffer, which keeps its size: what is read
+    // behind them then needs no zeroing first.
+    std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(bufferPos_), buffer_.end(), buffer_.begin());
+    size_t have = buffer_.size() - bufferPos_;
     bufferStart_ += static_cast<int64_t>(bufferPos_);
     bufferPos_ = 0;
-    size_t have = buffer_.size();
-    buffer_.resize(std::max(n, kBufferSize));
+    if (buffer_.size() < std::max(n, kBufferSize)) buffer_.resize(std::max(n, kBufferSize));
     while (have < n && IsOpen() && !writing_) {
         ssize_t got = ::read(fd_, buffer_.data() + have, buffer_.size() - have);
         if (got < 0 && errno == EINTR) continue;
@@ -163,7 +165,7 @@ void clsBinaryFile::WidenWindow(size_t n) {
         have += static_cast<size_t>(got);
     }
     if (have < n) {  // past the end, or unreadable
-        std::fill(buffer_.begin() + static_cast<std::ptrdiff_t>(have), buffer_.end(), '\0');
+        std::fill(buffer_.begin() + static_cast<std::ptrdiff_t>(have), buffer_.begin() + static_cast<std::ptrdiff_t>(n), '\0');
         have = n;
         hitEnd_ = true;
     }
