@@ -197,8 +197,7 @@ ItemPtr clsOneItem::LoadFromBinaryFile(int32_t version) {
     item->Scope = clsBinaryFile::DecodeNumeric(record + numbers + 4);
     item->UserId = clsBinaryFile::DecodeNumeric(record + numbers + 8);
     item->Replace(name.length, params.length, userData.length, 0, KeyForm::Empty, [&](char16_t* to) {
-        for (const Text& t : {name, params, userData})
-            to = std::copy_n(reinterpret_cast<const unsigned char*>(record + t.at), t.length, to);
+        for (const Text& t : {name, params, userData}) to = clsBinaryFile::Widen({record + t.at, t.length}, to);
     }, room);
     in.Skip(end);
     return item;

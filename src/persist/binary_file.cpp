@@ -84,37 +84,6 @@ bool clsBinaryFile::CloseFile() {
     return !writeFailed_;
 }
 
-bool clsBinaryFile::Refill() {
-    bufferStart_ += static_cast<int64_t>(buffer_.size());
-    buffer_.resize(kBufferSize);
-    ssize_t got = -1;
-    if (IsOpen() && !writing_) {
-        do got = ::read(fd_, buffer_.data(), kBufferSize);
-        while (got < 0 && errno == EINTR);
-    }
-    buffer_.resize(got > 0 ? static_cast<size_t>(got) : 0);
-    bufferPos_ = 0;
-    if (got <= 0) hitEnd_ = true;  // past the end, or unreadable
-    return got > 0;
-}
-
-template <class Unit>
-void clsBinaryFile::ReadUnits(Unit* into, size_t n) {
-    while (n > 0) {
-        if (bufferPos_ == buffer_.size() && !Refill()) {
-            std::fill(into, into + n, Unit(0));  // the rest reads as zeros
-            return;
-        }
-        size_t take = std::min(n, buffer_.size() - bufferPos_);
-        const unsigned char* from = reinterpret_cast<const unsigned char*>(buffer_.data()) + bufferPos_;
-        if constexpr (sizeof(Unit) == 1) std::memcpy(into, from, take);
-        else std::copy_n(from, take, into);
-        bufferPos_ += take;
-        into += take;
-        n -= take;
-    }
-}
-
 void clsBinaryFile::WriteBytes(const char* from, size_t n) {
     if (!IsOpen() || !writing_) {
         writeFailed_ = true;
@@ -142,12 +111,6 @@ bool clsBinaryFile::Flush() {
 int64_t clsBinaryFile::BytesLeft() const {
     if (!IsOpen() || writing_) return 0;
     return std::max<int64_t>(0, fileSize_ - bufferStart_ - static_cast<int64_t>(bufferPos_));
-}
-
-int32_t clsBinaryFile::LoadNumericAcrossBlocks() {
-    char b[4];
-    ReadUnits(b, 4);
-    return DecodeNumeric(b);
 }
 
 void clsBinaryFile::WidenWindow(size_t n) {
@@ -180,7 +143,8 @@ std::u16string clsBinaryFile::LoadString() {
 
 void clsBinaryFile::LoadString(std::u16string& into) {
     into.resize(TextLength(LoadNumeric()));
-    ReadUnits(into.data(), into.size());  // each byte is one code unit
+    Widen(Window(into.size()), into.data());
+    Skip(into.size());
 }
 
 void clsBinaryFile::SaveNumeric(int32_t lNum) {

@@ -6,6 +6,7 @@
 // Reads never fail: past the end of the file numbers read 0 and missing string bytes
 // read NUL. HitEnd() tells that some read came up short, so that record loops of a
 // damaged file can stop instead of running through counts the file cannot hold.
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -37,9 +38,9 @@ public:
     // Loading reads tens of thousands of records, so the common case (the record lies
     // in the buffer) stays inline.
     int32_t LoadNumeric() {
-        if (buffer_.size() - bufferPos_ < 4) return LoadNumericAcrossBlocks();
-        bufferPos_ += 4;
-        return DecodeNumeric(buffer_.data() + bufferPos_ - 4);
+        const int32_t value = DecodeNumeric(Window(4).data());
+        Skip(4);
+        return value;
     }
     std::u16string LoadString();
     // As LoadString, into a string whose room is reused.
@@ -60,6 +61,11 @@ public:
         return static_cast<int32_t>(uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 |
                                     uint32_t(b[3]) << 24);
     }
+    // A string record's text bytes, each the code unit of its value, written to `to`;
+    // answers the end of what was written.
+    static char16_t* Widen(std::string_view bytes, char16_t* to) {
+        return std::copy_n(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), to);
+    }
     // How many bytes of text follow a string record's length: none for the empty and
     // the overlong (whose text is deliberately not skipped).
     static size_t TextLength(int32_t length) { return length < 1 || length >= kMaxStringRead ? 0 : size_t(length); }
@@ -75,15 +81,9 @@ public:
     bool HitEnd() const { return hitEnd_; }
 
 private:
-    // Reads n bytes, each widened to one Unit; what lies past the end reads as zeros.
-    template <class Unit>
-    void ReadUnits(Unit* into, size_t n);
-    int32_t LoadNumericAcrossBlocks();
     // Moves the unread bytes to the front of the buffer and reads behind them until n
     // are there, the missing ones zeros.
     void WidenWindow(size_t n);
-    // Reads the next block into the buffer; false (and HitEnd) when nothing came.
-    bool Refill();
     void WriteBytes(const char* from, size_t n);
     bool Flush();
 
