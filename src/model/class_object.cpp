@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <utility>
 
 #include "common/constants.h"
 #include "errorlog/resume.h"
@@ -55,6 +56,21 @@ private:
 
 }  // namespace
 
+void clsClassObject::FileLoadedMembers() const {
+    // Taken first: filing reads no member through Vars or Funcs, and a failure part of
+    // the way leaves the members filed so far.
+    const std::vector<ItemPtr> loaded = std::move(loaded_);
+    loaded_.clear();
+    const auto variablesEnd = loaded.begin() + std::exchange(loadedVariables_, 0);
+    auto file = [](auto begin, auto end, Items& items, clsOneItem::OwnKey own) {
+        items.ReserveMore(static_cast<int32_t>(end - begin));
+        DuplicateRenamer renamer(items);
+        for (auto at = begin; at != end; ++at) renamer.Add(*at, own);
+    };
+    file(loaded.begin(), variablesEnd, variables_, clsOneItem::OwnKey::Name);
+    file(variablesEnd, loaded.end(), functions_, clsOneItem::OwnKey::FunctionKey);
+}
+
 std::u16string clsClassObject::MakeFuncKey__(std::u16string_view name, std::u16string_view params) {
     // Written through a pointer into room for every unit, then cut to what was kept:
     // appending unit by unit costs a capacity check per unit on a hot path of loading.
@@ -68,7 +84,7 @@ std::u16string clsClassObject::MakeFuncKey__(std::u16string_view name, std::u16s
 }
 
 int32_t clsClassObject::IsFunctionDefined(const std::u16string& szFuncName) const {
-    for (const ItemPtr& f : functions_)
+    for (const ItemPtr& f : Funcs())
         if (f->Name() == szFuncName) return f->Line;
     return -1;
 }
@@ -78,11 +94,11 @@ void clsClassObject::AddFunction__(std::u16string_view name, int32_t line, int32
     IgnoreErrors([&] {
         // Looked up by name and parameters as they stand: the key is made only when an
         // item has to be filed under it as a text of its own.
-        const Items::Probe probe = functions_.LocateJoined(name, params);
+        const Items::Probe probe = Funcs().LocateJoined(name, params);
         ItemPtr item = probe.found;
         if (!item) {
             item = clsOneItem::New(clsOneItem::FunctionKeyed{}, name, params);
-            functions_.AddMissing(probe, {}, item);
+            Funcs().AddMissing(probe, {}, item);
             item->Line = -1;  // a new item always differs from what is stored below
             item->Scope = -1;
         }
@@ -104,11 +120,11 @@ void clsClassObject::AddVariable__(std::u16string_view name, int32_t line, int32
                                    const FilePtr& file, std::u16string_view params) {
     ItemPtr item;
     IgnoreErrors([&] {
-        const Items::Probe probe = variables_.Locate(name);
+        const Items::Probe probe = Vars().Locate(name);
         item = probe.found;
         if (!item) {
             item = clsOneItem::New(name, params);
-            variables_.AddMissing(probe, name, item);
+            Vars().AddMissing(probe, name, item);
             item->Line = -1;
             item->Scope = -1;
         }
@@ -122,19 +138,19 @@ void clsClassObject::AddVariable__(std::u16string_view name, int32_t line, int32
 }
 
 void clsClassObject::PrepareUpdate__() {
-    for (const ItemPtr& v : variables_) v->Used = false;
-    for (const ItemPtr& f : functions_) f->Used = false;
+    for (const ItemPtr& v : Vars()) v->Used = false;
+    for (const ItemPtr& f : Funcs()) f->Used = false;
 }
 
 void clsClassObject::FinishUpdate__(ModelSink* sink, const FilePtr& file) {
     Trap(kModule, "Sub FinishUpdate__", [&] {
         ClassPtr self = shared_from_this();
-        variables_.RemoveWhere([&](const ItemPtr& v) {
+        Vars().RemoveWhere([&](const ItemPtr& v) {
             if (v->Used) return false;
             Required(sink).RemoveVariable__(v, self, file);
             return true;
         });
-        functions_.RemoveWhere([&](const ItemPtr& f) {
+        Funcs().RemoveWhere([&](const ItemPtr& f) {
             if (f->Used) return false;
             Required(sink).RemoveFunction__(f, self, file);
             return true;
@@ -145,7 +161,7 @@ void clsClassObject::FinishUpdate__(ModelSink* sink, const FilePtr& file) {
 ItemPtr clsClassObject::InProc__(int32_t line, int32_t& startLine) const {
     int32_t best = -1;
     ItemPtr result;
-    for (const ItemPtr& f : functions_) {
+    for (const ItemPtr& f : Funcs()) {
         if (f->Line <= line && f->Line > best) {
             best = f->Line;
             result = f;
@@ -173,8 +189,8 @@ void clsClassObject::AddAllFromTheClass__(ModelSink* sink, const FilePtr& file) 
                 if (shown) IgnoreErrors([&] { sink.MousePointer(previous); });
             }
         } pointer(to, CountFunc() + CountVars() > kReplayWithHourglass);
-        for (const ItemPtr& f : functions_) to.AddFunction__(f, self, file);
-        for (const ItemPtr& v : variables_) to.AddVariable__(v, self, file);
+        for (const ItemPtr& f : Funcs()) to.AddFunction__(f, self, file);
+        for (const ItemPtr& v : Vars()) to.AddVariable__(v, self, file);
     });
 }
 
@@ -187,19 +203,19 @@ void clsClassObject::LoadFromBinaryData(const std::u16string& version, ModelSink
         UserId = in.LoadNumeric();
         const int32_t itemVersion = VersionNumber(version);
 
+        // Filed first, should this class have members already: those loaded go after them.
+        Vars();
         // Counts come from the file: a damaged one ends its loops at the end of the data,
         // and reserves no more room than the rest of the file could fill.
-        auto loadItems = [&](Items& items, clsOneItem::OwnKey own) {
+        auto loadItems = [&] {
             const int32_t n = in.LoadNumeric();
-            items.ReserveMore(static_cast<int32_t>(
-                std::min<int64_t>(n, in.BytesLeft() / clsOneItem::SmallestRecord(itemVersion))));
-            DuplicateRenamer renamer(items);
-            for (int32_t k = 0; k < n && !in.HitEnd(); ++k) {
-                renamer.Add(clsOneItem::LoadFromBinaryFile(itemVersion), own);
-            }
+            loaded_.reserve(loaded_.size() + static_cast<size_t>(std::max<int64_t>(
+                0, std::min<int64_t>(n, in.BytesLeft() / clsOneItem::SmallestRecord(itemVersion)))));
+            for (int32_t k = 0; k < n && !in.HitEnd(); ++k) loaded_.push_back(clsOneItem::LoadFromBinaryFile(itemVersion));
         };
-        loadItems(variables_, clsOneItem::OwnKey::Name);
-        loadItems(functions_, clsOneItem::OwnKey::FunctionKey);
+        loadItems();
+        loadedVariables_ = Size(loaded_);
+        loadItems();
         if (CountVars() > 0 || CountFunc() > 0) Required(sink).AddClassNode__WithDummy(shared_from_this(), file);
     });
 }

@@ -12,6 +12,10 @@
 #include <string_view>
 #include <vector>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace kestrel {
 
 class clsBinaryFile {
@@ -64,7 +68,18 @@ public:
     // A string record's text bytes, each the code unit of its value, written to `to`;
     // answers the end of what was written.
     static char16_t* Widen(std::string_view bytes, char16_t* to) {
-        return std::copy_n(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), to);
+        const auto* from = reinterpret_cast<const unsigned char*>(bytes.data());
+        size_t n = bytes.size();
+#ifdef __SSE2__
+        // Eight bytes at a time: texts are short, so the loop the compiler would make,
+        // with its set-up for long runs, costs more than the copying.
+        for (; n >= 8; n -= 8, from += 8, to += 8) {
+            const __m128i eight = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi8(eight, _mm_setzero_si128()));
+        }
+#endif
+        for (; n > 0; --n) *to++ = *from++;
+        return to;
     }
     // How many bytes of text follow a string record's length: none for the empty and
     // the overlong (whose text is deliberately not skipped).

@@ -122,9 +122,9 @@ void clsSaveIntoFile::SaveClassObject__(const clsClassObject& classObj) {
     out.SaveString(classObj.UserData);
     out.SaveNumeric(classObj.UserId);
     out.SaveNumeric(classObj.CountVars());
-    for (const ItemPtr& v : classObj.Variables()) SaveOneItem__(*v, true);
+    classObj.ForEachForSaving(false, [this](const clsOneItem& v) { SaveOneItem__(v, true); });
     out.SaveNumeric(classObj.CountFunc());
-    for (const ItemPtr& f : classObj.Functions()) SaveOneItem__(*f, false);
+    classObj.ForEachForSaving(true, [this](const clsOneItem& f) { SaveOneItem__(f, false); });
 }
 
 void clsSaveIntoFile::SaveOneItem__(const clsOneItem& item, bool /*isVariable: same record either way*/) {

@@ -82,6 +82,11 @@ TEST(ProjectFile, SaveLoadSaveGivesTheSameModelAndTheSameBytes) {
 
     Project second;
     ASSERT_TRUE(second.Load(dir / "p.kpr"));
+    // Saved before anything asks a class for its members, and again below after all have.
+    second.host.fileName = FromUtf8(dir / "untouched.kpr");
+    ASSERT_TRUE(second.Save());
+    EXPECT_EQ(ReadBytes(dir / "untouched.kpr"), ReadBytes(dir / "p.kpr"));
+    second.host.fileName = FromUtf8(dir / "p.kpr");
     EXPECT_EQ(second.host.language, LANGUAGE_BASIC);
     EXPECT_EQ(second.host.id, 1234);
     EXPECT_EQ(second.host.fileName, FromUtf8(dir / "p.kpr"));
@@ -186,6 +191,24 @@ TEST(ProjectFile, DuplicateEntriesAreRenamedDuplicateFilesDropped) {
     // The class without entries is loaded but gets no node.
     EXPECT_EQ(p.files->item(2)->count(), 1);
     EXPECT_EQ(p.sink->Take(), (Calls{"AddClassNode C a.cpp", "AddFile a.cpp", "AddClassNode C a.cpp", "AddFile b.cpp"}));
+}
+
+TEST(ProjectFile, ALoadedClassFirstAskedByKeyHasItsDuplicatesRenamedAlready) {
+    // Loading files a class's members only when it is first asked for them: a lookup
+    // by a renamed key must find them renamed, whatever the question is.
+    TempDir dir("kestrel-first-key");
+    std::string cls = S("C") + N(0) + S("") + N(0) + N(2) + ItemRecord("n", 1) + ItemRecord("N", 2) + N(2) +
+                      ItemRecord("f", 3, "(int)") + ItemRecord("F", 4, "( int )");
+    WriteBytes(dir / "first.kpr", S("KESTREL1.1") + N(0) + N(0) + N(1) + S("a.cpp") + N(FILETYPE_IMPLEMENTATION) +
+                                      N(1) + N(0) + S("") + cls);
+    Project p;
+    ASSERT_TRUE(p.Load(dir / "first.kpr"));
+    ClassPtr c = p.files->item(1)->item(1);
+    ASSERT_NE(c->func(u"f#1"), nullptr);
+    EXPECT_EQ(c->func(u"f#1")->Line, 4);
+    EXPECT_EQ(c->var(u"N#1")->Line, 2);
+    EXPECT_EQ(c->CountFunc(), 2);
+    EXPECT_EQ(c->CountVars(), 2);
 }
 
 TEST(ProjectFile, ALoadedKeyThatMeetsARenamedOneIsRenamedInTurn) {
