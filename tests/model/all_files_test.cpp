@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,6 +7,7 @@
 #include "common/constants.h"
 #include "model/all_files.h"
 #include "support/recording_sink.h"
+#include "support/scratch.h"
 
 using namespace kestrel;
 using Calls = std::vector<std::string>;
@@ -18,12 +17,12 @@ namespace {
 
 // A project folder with a header and an implementation of the same class.
 struct ProjectFixture : ::testing::Test {
-    fs::path dir = fs::temp_directory_path() / ("kestrel-files-" + std::to_string(::getpid()));
+    test::ScratchDir scratch;
+    const fs::path& dir = scratch.path();
     std::shared_ptr<test::RecordingSink> sink = std::make_shared<test::RecordingSink>();
     std::shared_ptr<clsAllFiles> files = std::make_shared<clsAllFiles>();
 
     ProjectFixture() {
-        fs::remove_all(dir);
         fs::create_directories(dir / "src");
         Write("src/view.h",
               "class CView\n{\npublic:\n    void Draw(int x);\n    int m_x;\n};\n");
@@ -31,8 +30,7 @@ struct ProjectFixture : ::testing::Test {
         sink->ProjectDir = FromUtf8(dir.string() + "/");
         files->SetSinkObject__(sink);
     }
-    ~ProjectFixture() override { fs::remove_all(dir); }
-    void Write(const std::string& name, const std::string& text) { std::ofstream(dir / name) << text; }
+    void Write(const std::string& name, const std::string& text) { test::WriteFileBytes(dir / name, text); }
     std::u16string Path(const std::string& name) { return FromUtf8((dir / name).string()); }
 };
 

@@ -3,13 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <unistd.h>
 
 #include "common/constants.h"
 #include "model/all_files.h"
 #include "support/recording_sink.h"
+#include "support/scratch.h"
 
 using namespace kestrel;
 namespace fs = std::filesystem;
@@ -26,12 +24,11 @@ public:
 };
 
 struct Folder {
-    fs::path dir = fs::temp_directory_path() / ("kestrel-ahead-" + std::to_string(::getpid()));
+    test::ScratchDir scratch;
+    const fs::path& dir = scratch.path();
     std::vector<std::pair<std::u16string, int32_t>> files;
 
     Folder() {
-        fs::remove_all(dir);
-        fs::create_directories(dir);
         for (int i = 0; i < 40; ++i) {
             std::string text = "class C" + std::to_string(i) + "\n{\npublic:\n  int refused;\n  void f(int a);\n};\n";
             if (i % 7 == 3) {  // more open classes than the scanner keeps: a report mid-scan
@@ -43,9 +40,8 @@ struct Folder {
         fs::create_directory(dir / "folder.cpp");  // cannot be read
         files.emplace_back(FromUtf8((dir / "folder.cpp").string()), FILETYPE_IMPLEMENTATION);
     }
-    ~Folder() { fs::remove_all(dir); }
     void Add(const std::string& name, const std::string& text, int32_t type) {
-        std::ofstream(dir / name) << text;
+        test::WriteFileBytes(dir / name, text);
         files.emplace_back(FromUtf8((dir / name).string()), type);
     }
 };
@@ -84,9 +80,9 @@ TEST(ScanAhead, AddsAndRescansOnWorkersAreIndistinguishableFromScanningInPlace) 
             for (const auto& [name, type] : folder.files) run.files->Add(name, type);
         });
         // Changed on disk, then rescanned as a whole.
-        std::ofstream(folder.dir / "f1.cpp") << "int changed;\n";
+        test::WriteFileBytes(folder.dir / "f1.cpp", "int changed;\n");
         run.Observe([&] { run.files->UpdateAllFiles(); });
-        std::ofstream(folder.dir / "f1.cpp") << "class C1\n{\n  int refused;\n  void f(int a);\n};\n";
+        test::WriteFileBytes(folder.dir / "f1.cpp", "class C1\n{\n  int refused;\n  void f(int a);\n};\n");
     }
     ASSERT_GT(runs[0].observed.size(), 200u);
     EXPECT_NE(std::find(runs[0].observed.begin(), runs[0].observed.end(), "report Sub TakeLevelsOut Subscript out of range"),

@@ -12,7 +12,7 @@ using namespace kestrel::test;
 namespace {
 
 // A real project file: two files, classes with variables and functions.
-std::string RealProjectFile(const TempDir& dir) {
+std::string RealProjectFile(const ScratchDir& dir) {
     Project p;
     FilePtr a = p.files->Add(u"/proj/a.cpp", FILETYPE_NOPARSE);
     a->FileType(FILETYPE_IMPLEMENTATION);
@@ -25,13 +25,13 @@ std::string RealProjectFile(const TempDir& dir) {
     b->WriteVariable__(u"B::count", 2, PUBLIC_SCOPE, u"int");
     p.host.fileName = FromUtf8(dir / "real.kpr");
     EXPECT_TRUE(p.Save());
-    return ReadBytes(dir / "real.kpr");
+    return ReadFileBytes(dir / "real.kpr");
 }
 
 // Loads bytes as a project file; the load must end (the test's time limit guards
 // against a hang) and must not build more than the bytes can hold.
-void LoadBytes(const TempDir& dir, const std::string& bytes) {
-    WriteBytes(dir / "damaged.kpr", bytes);
+void LoadBytes(const ScratchDir& dir, const std::string& bytes) {
+    WriteFileBytes(dir / "damaged.kpr", bytes);
     Project p;
     p.Load(dir / "damaged.kpr");
     int entries = 0;
@@ -43,7 +43,7 @@ void LoadBytes(const TempDir& dir, const std::string& bytes) {
 }  // namespace
 
 TEST(DamagedProjectFile, EveryPrefixOfARealFileLoadsOrFails) {
-    TempDir dir("kestrel-prefix");
+    ScratchDir dir;
     ErrorCapture errors;
     std::string real = RealProjectFile(dir);
     for (size_t n = 0; n <= real.size(); ++n) LoadBytes(dir, real.substr(0, n));
@@ -53,7 +53,7 @@ TEST(DamagedProjectFile, EveryPrefixOfARealFileLoadsOrFails) {
 }
 
 TEST(DamagedProjectFile, RandomBytesAndRandomDamage) {
-    TempDir dir("kestrel-random");
+    ScratchDir dir;
     ErrorCapture errors;
     std::string real = RealProjectFile(dir);
     std::mt19937 random(20261121);
@@ -71,19 +71,18 @@ TEST(DamagedProjectFile, RandomBytesAndRandomDamage) {
 }
 
 TEST(DamagedProjectFile, HugeCountsEndWithTheData) {
-    TempDir dir("kestrel-huge");
+    ScratchDir dir;
     ErrorCapture errors;
     auto start = std::chrono::steady_clock::now();
     const int32_t huge = 2000000000;
     // Two billion files, with no data behind the count: one file of zeros is read.
-    WriteBytes(dir / "files.kpr", S("KESTREL1.1") + N(0) + N(0) + N(huge));
+    WriteFileBytes(dir / "files.kpr", S("KESTREL1.1") + N(0) + N(0) + N(huge));
     Project files;
     EXPECT_TRUE(files.Load(dir / "files.kpr"));
     EXPECT_EQ(files.files->count(), 1);
     EXPECT_EQ(files.files->item(1)->count(), 0);
     // Two billion classes, variables and functions behind one real record each.
-    std::string item = ItemRecord("f", 1, "()");
-    WriteBytes(dir / "items.kpr", S("KESTREL1.1") + N(0) + N(0) + N(1) + S("a.cpp") + N(1) + N(huge) + N(0) + S("") +
+    WriteFileBytes(dir / "items.kpr", S("KESTREL1.1") + N(0) + N(0) + N(1) + S("a.cpp") + N(1) + N(huge) + N(0) + S("") +
                                       S("A") + N(0) + S("") + N(0) + N(huge) + ItemRecord("v", 1));
     Project items;
     EXPECT_TRUE(items.Load(dir / "items.kpr"));
@@ -95,10 +94,10 @@ TEST(DamagedProjectFile, HugeCountsEndWithTheData) {
 }
 
 TEST(DamagedProjectFile, AnOverlongStringMisalignsWithoutHarm) {
-    TempDir dir("kestrel-long");
+    ScratchDir dir;
     ErrorCapture errors;
     std::string longName(32000, 'n');
-    WriteBytes(dir / "long.kpr", S("KESTREL1.1") + N(0) + N(0) + N(1) + S(longName) + N(1) + N(0) + N(0) + S(""));
+    WriteFileBytes(dir / "long.kpr", S("KESTREL1.1") + N(0) + N(0) + N(1) + S(longName) + N(1) + N(0) + N(0) + S(""));
     Project p;
     p.Load(dir / "long.kpr");
     EXPECT_LE(p.files->count(), 1);

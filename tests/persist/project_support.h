@@ -1,17 +1,14 @@
 #pragma once
 // A project on disk for the project-file tests: a control stand-in (TestHost), a
 // recording sink, and a file collection wired to it.
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
-#include <unistd.h>
 
 #include "common/constants.h"
 #include "model/all_files.h"
 #include "persist/project_host.h"
 #include "persist/save_into_file.h"
 #include "support/recording_sink.h"
+#include "support/scratch.h"
 
 namespace kestrel::test {
 
@@ -40,34 +37,6 @@ struct Project {
     bool Save() { return clsSaveIntoFile().Save(host, *files); }
     bool Load(const std::string& path) { return clsSaveIntoFile().Load(FromUtf8(path), host, *files); }
 };
-
-// A folder of its own under the system's temporary folder, removed afterwards.
-struct TempDir {
-    std::filesystem::path path;
-    explicit TempDir(const std::string& name)
-        : path(std::filesystem::temp_directory_path() / (name + "-" + std::to_string(::getpid()))) {
-        std::filesystem::remove_all(path);
-        std::filesystem::create_directories(path);
-    }
-    ~TempDir() { std::filesystem::remove_all(path); }
-    std::string operator/(const std::string& name) const { return (path / name).string(); }
-    // Files directly inside: a save must leave no temporary behind.
-    int RegularFiles() const {
-        int n = 0;
-        for (auto& e : std::filesystem::directory_iterator(path)) n += e.is_regular_file();
-        return n;
-    }
-};
-
-inline std::string ReadBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-inline void WriteBytes(const std::string& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << bytes;
-}
 
 // Record helpers for hand-made project files.
 inline std::string N(int32_t v) {

@@ -17,6 +17,10 @@ inline std::string ReadFileBytes(const std::filesystem::path& path) {
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
+inline void WriteFileBytes(const std::filesystem::path& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
 inline std::string Golden(const std::string& name) {
     return ReadFileBytes(std::filesystem::path(KESTREL_SOURCE_DIR) / "tests/golden" / name);
 }
@@ -36,6 +40,8 @@ public:
     ScratchDir(const ScratchDir&) = delete;
     ScratchDir& operator=(const ScratchDir&) = delete;
     const std::filesystem::path& path() const { return path_; }
+    // The full name of `name` inside, as the project code takes file names.
+    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
 
 private:
     std::filesystem::path path_;
