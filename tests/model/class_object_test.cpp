@@ -61,14 +61,6 @@ TEST_F(ClassFixture, SameFunctionWithOtherSpacingOrCaseIsOneRefreshedEntry) {
     EXPECT_EQ(sink->Take(), (Calls{"AddFunction CView::Foo a.h", "AddFunction CView::Foo a.h"}));
 }
 
-TEST_F(ClassFixture, OverloadsStayApart) {
-    Func(u"Draw", 3, u"(int)");
-    Func(u"Draw", 4, u"(long)");
-    Func(u"Draw", 5, u"()");
-    EXPECT_EQ(cls->CountFunc(), 3);
-    EXPECT_EQ(cls->func(u"DRAW(LONG)")->Line, 4);
-}
-
 TEST_F(ClassFixture, FreeFunctionsArePublicButFreeVariablesKeepTheirScope) {
     cls->Name = u"Globals";
     Func(u"f", 1, u"()", PRIVATE_SCOPE);
@@ -105,29 +97,7 @@ TEST_F(ClassFixture, SinkErrorsAreIgnoredForFunctionsButReachTheCallerForVariabl
     EXPECT_EQ(cls->CountVars(), 1);  // stored before the sink was told
 }
 
-TEST_F(ClassFixture, FinishUpdateRemovesWhatWasNotSeenAgainVariablesFirst) {
-    Func(u"a", 1);
-    Func(u"b", 2);
-    Func(u"c", 3);
-    Var(u"x", 4);
-    Var(u"y", 5);
-    sink->Take();
-    cls->PrepareUpdate__();
-    Func(u"b", 12);
-    Var(u"y", 15);
-    sink->Take();
-    cls->FinishUpdate__(sink.get(), file);
-    EXPECT_EQ(sink->Take(), (Calls{"RemoveVariable CView::x a.h", "RemoveFunction CView::a a.h",
-                                   "RemoveFunction CView::c a.h"}));
-    ASSERT_EQ(cls->CountFunc(), 1);
-    EXPECT_EQ(cls->func(1)->Name(), u"b");
-    EXPECT_EQ(cls->func(1)->Line, 12);
-    EXPECT_EQ(cls->var(1)->Name(), u"y");
-    cls->FinishUpdate__(sink.get(), file);  // a second sweep finds nothing more
-    EXPECT_TRUE(sink->calls.empty());
-}
-
-TEST_F(ClassFixture, IsFunctionDefinedComparesNamesExactly) {
+TEST_F(ClassFixture, IsFunctionDefinedComparesNamesExactlyAndLineZeroCounts) {
     Func(u"Draw", 0);
     EXPECT_EQ(cls->IsFunctionDefined(u"Draw"), 0);
     EXPECT_EQ(cls->IsFunctionDefined(u"draw"), -1);
