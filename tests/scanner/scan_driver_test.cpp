@@ -34,11 +34,6 @@ struct DumpingScanner : clsQuillbox {
 
 }  // namespace
 
-TEST(ParseFile, TheExampleFromTheOverviewEndToEnd) {
-    Calls calls = ScanBytes("// view\n\nclass CView\n{\npublic:\n    void Draw(int n);\n};\n");
-    EXPECT_EQ(calls, (Calls{"declare\t6\t1\tCView::Draw\t(int n)", "endclass\t7\tCView"}));
-}
-
 TEST(ParseFile, AMissingFileLeavesTheOutputUntouched) {
     ScanRecorder out(u"/nonexistent/kestrel/x.cpp");
     clsQuillbox q;
@@ -56,23 +51,6 @@ TEST(ParseFile, StoresTheExtraEmptyLineAndCleansEveryLine) {
     EXPECT_EQ(q.dump, "1 -- \n");
 }
 
-TEST(ParseFile, LongFilesKeepEveryLine) {
-    std::string text;
-    for (int i = 1; i <= 1025; ++i) text += "int v" + std::to_string(i) + ";\n";
-    Calls calls = ScanBytes(text);
-    ASSERT_EQ(calls.size(), 1025u);
-    EXPECT_EQ(calls[1024], "variable\t1025\t0\t::v1025\tint");
-}
-
-TEST(ParseFile, AReusedScannerStartsAfresh) {
-    clsQuillbox q;
-    EXPECT_EQ(ScanBytes("class A\n{\nint a;\n};\n", LANGUAGE_C, &q).size(), 2u);
-    EXPECT_EQ(ScanBytes("Private x As Long\n", LANGUAGE_BASIC, &q), (Calls{"variable\t1\t3\t::x\t"}));
-    ASSERT_EQ(q.Results().size(), 1u);
-    EXPECT_EQ(q.syntax.ClassWord, u"class");
-    EXPECT_TRUE(q.syntax.IncludeWords.empty());
-}
-
 TEST(ParseFile, UnlistedLanguagesFillTheResultsButWriteNothing) {
     clsQuillbox q;
     // A language without a table on a fresh scanner finds nothing at all.
@@ -86,12 +64,6 @@ TEST(ParseFile, UnlistedLanguagesFillTheResultsButWriteNothing) {
     // The include language still reports class ends in the block pass.
     EXPECT_EQ(ScanBytes("class A\n{\n};\n", LANGUAGE_CINCLUDE, &q), Calls{});
     EXPECT_EQ(q.Results()[0].Scope, 253);
-}
-
-TEST(ParseFile, JavaAndCDifferOnlyInLinkageBlocks) {
-    std::string text = "extern \"C\" {\nint f(void);\n}\n";
-    EXPECT_EQ(ScanBytes(text, LANGUAGE_C), (Calls{"declare\t2\t0\t::f\t(void)", "endclass\t3\t"}));
-    EXPECT_EQ(ScanBytes(text, LANGUAGE_JAVA), Calls{});
 }
 
 TEST(ParseFile, ParameterListsReadLinesTheBlockPassLeftBehind) {
