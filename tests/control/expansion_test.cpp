@@ -47,17 +47,8 @@ TEST_F(Expansion, ALoadedClassWaitsBehindItsPlaceholderAndExpandingFillsItFromEv
               "    |  [[[--Shape] 0\n");
     platform.classTree.UserExpand(shapeNode);
     EXPECT_EQ(Outline(0, true), filled);
-    EXPECT_EQ(Outline(0, true),
-              "shapes  [++shapes] 10\n"
-              "  Shape  [--Shape] 1\n"
-              "    Functions  [``Shape] 6\n"
-              "      Area(int scale)  [!!Shape::AREA(INTSCALE)] 6 tag 3\n"
-              "      Draw()  [!!Shape::DRAW()] 6 tag 1\n"
-              "    Variables  [''Shape] 3\n"
-              "      int width  [**Shape::width] 5 tag 2\n");
-    const std::string once = Outline(0, true);
     platform.classTree.UserExpand(shapeNode);  // no placeholder any more
-    EXPECT_EQ(Outline(0, true), once);
+    EXPECT_EQ(Outline(0, true), filled);
     EXPECT_TRUE(errors.reports.empty());
 }
 
@@ -70,17 +61,6 @@ TEST_F(Expansion, ProjectNodeFoldersAndTheFileTreeAreNotFilled) {
     const std::string full = Outline();
     platform.classTree.UserExpand(Node(u"``Shape"));
     EXPECT_EQ(Outline(), full);
-}
-
-TEST_F(Expansion, CollapsingFoldsTheClassBackBehindItsPlaceholder) {
-    platform.classTree.UserExpand(shapeNode);
-    platform.classTree.UserCollapse(shapeNode);
-    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
-    EXPECT_FALSE(platform.classTree.Expanded(shapeNode));
-    platform.classTree.UserCollapse(Node(u"++shapes"));  // not a class: left alone
-    EXPECT_EQ(platform.classTree.ChildCount(Node(u"++shapes")), 1);
-    platform.classTree.UserExpand(shapeNode);
-    EXPECT_EQ(Outline(0, true), filled);
 }
 
 TEST_F(Expansion, ARescanLeavesAnUnopenedClassToItsExpansion) {
@@ -112,6 +92,9 @@ TEST_F(Expansion, FilesAddedOrRemovedLaterTakePartInTheFilling) {
     EXPECT_TRUE(view->files()->Remove(Path("more.cpp")));
     EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);
     platform.classTree.UserCollapse(shapeNode);
+    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
+    platform.classTree.UserCollapse(Node(u"++shapes"));  // not a class: left alone
+    EXPECT_EQ(platform.classTree.ChildCount(Node(u"++shapes")), 1);
     platform.classTree.UserExpand(shapeNode);
     EXPECT_EQ(Outline(0, true), filled);
 }

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "control/memory/memory_platform.h"
-#include "control/memory/memory_property_bag.h"
 #include "common/text.h"
 #include "errorlog/errorlog.h"
 
@@ -98,54 +97,3 @@ TEST(MemoryTree, HitTestFindsTheVisibleRowUnderThePoint) {
     EXPECT_EQ(t.HitTest(0, -1), kNoNode);
 }
 
-TEST(MemoryTree, AHundredThousandNodesUnderOneSortedParent) {
-    MemoryTree t;
-    NodeId root = t.AddRoot(u"r", u"r", 0);
-    t.SetSortedChildren(root, true);
-    for (int i = 0; i < 100000; ++i) {
-        std::u16string text = u"n" + ToText((i * 7919) % 1000);
-        t.AddLastChild(root, u"k" + ToText(i), text, 0);
-    }
-    EXPECT_EQ(t.ChildCount(root), 100000);
-    std::u16string last;
-    int n = 0;
-    for (NodeId c = t.FirstChild(root); c != kNoNode; c = t.NextSibling(c), ++n) {
-        std::u16string text = t.Text(c);
-        ASSERT_LE(last, text);
-        last = text;
-    }
-    EXPECT_EQ(n, 100000);
-}
-
-TEST(MemoryTimer, TicksOnlyWhenTimePassesAndFollowsIntervalChanges) {
-    MemoryTimer timer;
-    std::vector<long long> ticks;
-    long long now = 0;
-    timer.SetTickHandler([&] {
-        ticks.push_back(now);
-        timer.SetInterval(50);
-    });
-    timer.SetInterval(500);
-    EXPECT_EQ(timer.Advance(1000), 0);  // off
-    timer.SetEnabled(true);
-    EXPECT_EQ(timer.Advance(499), 0);
-    EXPECT_EQ(timer.Advance(1), 1);
-    EXPECT_EQ(timer.Advance(120), 2);
-    EXPECT_EQ(timer.Remaining(), 30);
-    timer.SetEnabled(false);
-    EXPECT_EQ(timer.Drain(), 0);
-    timer.SetEnabled(true);
-    timer.SetTickHandler([&] { timer.SetEnabled(false); });
-    EXPECT_EQ(timer.Drain(), 1);
-}
-
-TEST(MemoryPropertyBag, DefaultsAreNotStoredAndKindsMustMatch) {
-    MemoryPropertyBag bag;
-    bag.WriteProperty("Enabled", true, true);
-    EXPECT_FALSE(bag.Contains("Enabled"));
-    bag.WriteProperty("ViewStyle", int32_t{1}, int32_t{0});
-    EXPECT_EQ(std::get<int32_t>(bag.ReadProperty("ViewStyle", int32_t{0})), 1);
-    EXPECT_EQ(std::get<bool>(bag.ReadProperty("ViewStyle", false)), false);
-    bag.WriteProperty("ViewStyle", int32_t{0}, int32_t{0});
-    EXPECT_FALSE(bag.Contains("ViewStyle"));
-}

@@ -33,19 +33,6 @@ TEST_F(NodeOperations, FirstFunctionCreatesProjectClassAndFunctionsFolderOnly) {
               "      name  [**Shape::name] 3 tag 1\n");
 }
 
-TEST_F(NodeOperations, EntriesAreOrderedByTextWithoutRegardToCase) {
-    FilePtr file = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
-    ClassPtr c = MakeClass(u"C");
-    view->AddFunction__(MakeFunction(u"beta", u"()"), c, file);
-    view->AddFunction__(MakeFunction(u"Alpha", u"()"), c, file);
-    view->AddFunction__(MakeFunction(u"alpha", u"(int)"), c, file);
-    view->AddVariable__(MakeVariable(u"z", u""), c, file);
-    view->AddVariable__(MakeVariable(u"Y", u""), c, file);
-    EXPECT_EQ(Outline(),
-              "demo\n  C\n    Functions\n      Alpha()\n      alpha(int)\n      beta()\n"
-              "    Variables\n      Y\n      z\n");
-}
-
 TEST_F(NodeOperations, ARepeatedEntryIsARefreshNotASecondNode) {
     FilePtr file = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
     ClassPtr c = MakeClass(u"C");

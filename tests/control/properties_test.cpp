@@ -41,14 +41,7 @@ TEST_F(Properties, AnEmptyBagGivesTheDefaultsAndTheAmbientFont) {
     view->UserControl_ReadProperties(empty);
     EXPECT_EQ(view->Font().name, u"DejaVu Sans");
     EXPECT_EQ(platform.fileTree.GetFont().name, u"DejaVu Sans");
-    EXPECT_EQ(view->ID(), -1);
-    EXPECT_EQ(view->FileName(), u"");
-    EXPECT_EQ(view->Language(), 0);
     EXPECT_EQ(view->ViewStyle(), prvClasses);
-    EXPECT_TRUE(view->Enabled());
-    EXPECT_FALSE(view->AsyncLoad());
-    EXPECT_FALSE(view->CreateBackup());
-    EXPECT_FALSE(view->AutoToolTip());
     EXPECT_TRUE(platform.classTree.Visible());
     EXPECT_FALSE(platform.fileTree.Visible());
 }
