@@ -72,6 +72,5 @@ TEST(LargeHostileFile, TooManyOpenClassesEndTheScanWithOneReport) {
     ASSERT_EQ(calls.size(), 1025u);
     EXPECT_EQ(calls.front(), "variable\t1\t0\t::before\tint");
     EXPECT_EQ(calls.back(), "variable\t3073\t0\tA::x\tint");
-    ASSERT_EQ(errors.reports.size(), 1u);
-    EXPECT_EQ(errors.reports[0].title, "Sub TakeLevelsOut");
+    EXPECT_EQ(errors.Seen(), std::vector<std::string>{"clsQuillbox.cls|Sub TakeLevelsOut|9"});
 }

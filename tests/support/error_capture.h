@@ -29,6 +29,13 @@ public:
 
     std::vector<CapturedError> reports;
 
+    // Each report as "module|title|number", to compare them all at once.
+    std::vector<std::string> Seen() const {
+        std::vector<std::string> seen;
+        for (const CapturedError& r : reports) seen.push_back(r.module + "|" + r.title + "|" + std::to_string(r.number));
+        return seen;
+    }
+
 private:
     ErrorHandler previous_;
 };
