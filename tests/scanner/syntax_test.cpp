@@ -45,13 +45,6 @@ TEST(MakeSyntax, BasicAfterCClearsTheCWordsButKeepsTheLowerCaseClassWord) {
 }
 
 TEST(MakeSyntax, UnlistedLanguagesKeepThePreviousWordsWithoutIncludeForms) {
-    SyntaxTable fresh = SyntaxOf(LANGUAGE_JSCRIPT);
-    EXPECT_EQ(fresh.OneLineComment, u"");
-    EXPECT_EQ(fresh.ClassWord, u"");
-    EXPECT_EQ(fresh.DeclareLevel, 0);
-    EXPECT_EQ(fresh.AssignmentOps, u"=><");
-    EXPECT_TRUE(fresh.SeparatorTable[u' ']);
-
     ScanRecorder file(u"x");
     SyntaxTable t;
     t.MakeSyntax(file, LANGUAGE_JAVA);
