@@ -44,8 +44,6 @@ TEST_F(Scenario, NewAddQueryEditSaveCloseLoadInTheBackgroundAndExpand) {
     ClassPtr selected = view->GetSelectedClass();
     ASSERT_TRUE(selected);
     EXPECT_EQ(selected->Name, u"CView");
-    EXPECT_EQ(view->GetSelectedText(), u"DRAW(INTMODE)");
-    EXPECT_EQ(platform.classTree.Tag(Node(u"!!CView::DRAW(INTMODE)")), u"3");
     ItemPtr draw = source->InProc(2);
     ASSERT_TRUE(draw);
     EXPECT_EQ(draw->Name(), u"Draw");

@@ -54,13 +54,8 @@ TEST(ResultList, AReusedRecordStartsWithEveryFieldAtItsDefault) {
     const RWord& again = list.Add();
     EXPECT_EQ(list.size(), 1u);
     EXPECT_EQ(&again, &list[0]);
-    EXPECT_EQ(again.word, u"");
-    EXPECT_EQ(again.length, 0);
-    EXPECT_EQ(again.Bag, 0);
-    EXPECT_EQ(again.szBag, u"");
-    EXPECT_EQ(again.Class, u"");
-    EXPECT_EQ(again.Line, 0);
-    EXPECT_EQ(again.Scope, 0);
+    EXPECT_EQ(Dump(list), "Line:0,Class:,Scope:0 -- \n");
+    EXPECT_TRUE(again.length == 0 && again.Bag == 0 && again.szBag.empty());
     EXPECT_EQ(list.Slots(), 2u);
 }
 
