@@ -59,16 +59,16 @@ private:
 void clsClassObject::FileLoadedMembers() const {
     // Taken first: filing reads no member through Vars or Funcs, and a failure part of
     // the way leaves the members filed so far.
-    const std::vector<ItemPtr> loaded = std::move(loaded_);
-    loaded_.clear();
-    const auto variablesEnd = loaded.begin() + std::exchange(loadedVariables_, 0);
-    auto file = [](auto begin, auto end, Items& items, clsOneItem::OwnKey own) {
-        items.ReserveMore(static_cast<int32_t>(end - begin));
+    std::vector<ItemPtr> loaded;
+    loaded.swap(loaded_);
+    const int32_t variables = std::exchange(loadedVariables_, 0);
+    auto file = [](std::span<const ItemPtr> members, Items& items, clsOneItem::OwnKey own) {
+        items.ReserveMore(Size(members));
         DuplicateRenamer renamer(items);
-        for (auto at = begin; at != end; ++at) renamer.Add(*at, own);
+        for (const ItemPtr& item : members) renamer.Add(item, own);
     };
-    file(loaded.begin(), variablesEnd, variables_, clsOneItem::OwnKey::Name);
-    file(variablesEnd, loaded.end(), functions_, clsOneItem::OwnKey::FunctionKey);
+    file(Part(loaded, variables, false), variables_, clsOneItem::OwnKey::Name);
+    file(Part(loaded, variables, true), functions_, clsOneItem::OwnKey::FunctionKey);
 }
 
 std::u16string clsClassObject::MakeFuncKey__(std::u16string_view name, std::u16string_view params) {

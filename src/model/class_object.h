@@ -2,6 +2,7 @@
 // One class of a source file, or the pseudo-class "Globals" holding the file's free
 // functions and variables. Functions are keyed by MakeFuncKey__, variables by name.
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -63,19 +64,16 @@ public:
     template <class Visit>
     void ForEachForSaving(bool functions, Visit&& visit) const {
         for (const ItemPtr& item : functions ? functions_ : variables_) visit(*item);
-        const auto variablesEnd = loaded_.begin() + loadedVariables_;
-        for (auto at = functions ? variablesEnd : loaded_.begin(); at != (functions ? loaded_.end() : variablesEnd); ++at)
-            visit(**at);
+        for (const ItemPtr& item : Part(loaded_, loadedVariables_, functions)) visit(*item);
     }
 
 private:
-    // Members read from a project file and not yet filed under their keys: first the
-    // variables, then the functions. Loading only reads them; the class files them
-    // (hashing every key, renaming the duplicates) the first time anything asks for its
-    // members, so that opening a project costs little more than reading it, and a class
-    // nobody opens never pays for it. Every member and key reads the same either way:
-    // nothing reaches a member but through the class.
-    static int32_t Size(const std::vector<ItemPtr>& members) { return static_cast<int32_t>(members.size()); }
+    static int32_t Size(std::span<const ItemPtr> members) { return static_cast<int32_t>(members.size()); }
+    // The variables (or functions) of loaded members of which the first `variables` are variables.
+    static std::span<const ItemPtr> Part(std::span<const ItemPtr> loaded, int32_t variables, bool functions) {
+        const auto split = static_cast<size_t>(variables);
+        return functions ? loaded.subspan(split) : loaded.first(split);
+    }
     void FileLoadedMembers() const;
     // The members, filed: every read and change goes through these.
     Items& Vars() const {
@@ -90,6 +88,12 @@ private:
     // Mutable for filing on first use only: the members a const reader sees are the same.
     mutable Items variables_;
     mutable Items functions_;
+    // Members read from a project file and not yet filed under their keys: first the
+    // variables, then the functions. Loading only reads them; the class files them
+    // (hashing every key, renaming the duplicates) the first time anything asks for its
+    // members, so that opening a project costs little more than reading it, and a class
+    // nobody opens never pays for it. Every member and key reads the same either way:
+    // nothing reaches a member but through the class.
     mutable std::vector<ItemPtr> loaded_;
     mutable int32_t loadedVariables_ = 0;  // how many of loaded_, at its front, are variables
 };
