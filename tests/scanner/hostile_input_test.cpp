@@ -53,9 +53,7 @@ TEST(HostileInput, DeepNesting) {
     EXPECT_EQ(ScanBytes(braces), (Calls{"variable\t4\t0\t::top\tint"}));
 }
 
-TEST(HostileInput, UnterminatedCommentsAndStrings) {
-    EXPECT_EQ(ScanBytes("int a;\n/* never closed\nint b;\n"), (Calls{"variable\t1\t0\t::a\tint"}));
-    EXPECT_EQ(ScanBytes("char* s = \"open {\nint hidden;\n"), Calls{});
+TEST(HostileInput, AnUnterminatedBasicStringInAParameterList) {
     EXPECT_EQ(ScanBytes("Private Sub A(ByVal s As String = \"x\n", LANGUAGE_BASIC), (Calls{"declare\t1\t3\t::A\t()"}));
 }
 
