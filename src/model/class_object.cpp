@@ -207,15 +207,19 @@ void clsClassObject::LoadFromBinaryData(const std::u16string& version, ModelSink
         Vars();
         // Counts come from the file: a damaged one ends its loops at the end of the data,
         // and reserves no more room than the rest of the file could fill.
-        auto loadItems = [&] {
+        // Variables are counted as they come, so that a load ended by an error part of the
+        // way keeps each member read on its side.
+        auto loadItems = [&](bool variables) {
             const int32_t n = in.LoadNumeric();
             loaded_.reserve(loaded_.size() + static_cast<size_t>(std::max<int64_t>(
                 0, std::min<int64_t>(n, in.BytesLeft() / clsOneItem::SmallestRecord(itemVersion)))));
-            for (int32_t k = 0; k < n && !in.HitEnd(); ++k) loaded_.push_back(clsOneItem::LoadFromBinaryFile(itemVersion));
+            for (int32_t k = 0; k < n && !in.HitEnd(); ++k) {
+                loaded_.push_back(clsOneItem::LoadFromBinaryFile(itemVersion));
+                loadedVariables_ += variables;
+            }
         };
-        loadItems();
-        loadedVariables_ = Size(loaded_);
-        loadItems();
+        loadItems(true);
+        loadItems(false);
         if (CountVars() > 0 || CountFunc() > 0) Required(sink).AddClassNode__WithDummy(shared_from_this(), file);
     });
 }

@@ -230,7 +230,8 @@ void clsOneFile::LoadFromBinaryFile(int32_t version, ModelSink* sink) {
         UserData = in.LoadString();
         FilePtr self = shared_from_this();
         const std::u16string versionText = ToText(version);
-        classes_.ReserveMore(static_cast<int32_t>(std::min<int64_t>(classCount, in.BytesLeft() / clsClassObject::kSmallestRecord)));
+        classes_.ReserveMore(
+            static_cast<int32_t>(std::min<int64_t>(classCount, in.BytesLeft() / clsClassObject::kSmallestRecord)));
         for (int32_t k = 0; k < classCount && !in.HitEnd(); ++k) {
             auto c = std::make_shared<clsClassObject>();
             c->LoadFromBinaryData(versionText, sink, self);
