@@ -146,32 +146,37 @@ TEST(AssignmentOffset, PrefersTheSignOverItsPlace) {
     EXPECT_EQ(AssignmentOffset(u"plain"), -1);
 }
 
-TEST(ProcessBasicDeclaration, CutsTheNameAfterFunctionOrSub) {
-    EXPECT_EQ(Basic(u"Public Function Total(a As Long) As Currency", PUBLIC_SCOPE, u"Form1"),
-              (Calls{"declare\t1\t1\tForm1::Total\t(a As Long)"}));
-    EXPECT_EQ(Basic(u"Sub Main", UNKNOWN_SCOPE), (Calls{"declare\t1\t0\t::Main\t"}));
-    // A plain substring search: "Sub" inside a word is found.
-    EXPECT_EQ(Basic(u"Property Get Substance()", PUBLIC_SCOPE), (Calls{"declare\t1\t1\t::stance\t()"}));
-    EXPECT_EQ(Basic(u"Function Sub1()", PUBLIC_SCOPE), (Calls{"declare\t1\t1\t::Sub1\t()"}));
-    EXPECT_EQ(Basic(u"x = 1", PUBLIC_SCOPE), Calls{});
+TEST(BasicAnalysis, WhatOneStatementWrites) {
+    struct Case {
+        std::u16string word;
+        int16_t scope;  // kResultVariable for a variable record
+        Calls calls;
+        std::u16string className = u"";
+    };
+    const Case cases[] = {
+        // Declarations: the name is cut after "Function" or "Sub", found by a plain
+        // substring search, so also inside a word.
+        {u"Public Function Total(a As Long) As Currency", PUBLIC_SCOPE, {"declare\t1\t1\tForm1::Total\t(a As Long)"}, u"Form1"},
+        {u"Sub Main", UNKNOWN_SCOPE, {"declare\t1\t0\t::Main\t"}},
+        {u"Property Get Substance()", PUBLIC_SCOPE, {"declare\t1\t1\t::stance\t()"}},
+        {u"Function Sub1()", PUBLIC_SCOPE, {"declare\t1\t1\t::Sub1\t()"}},
+        {u"x = 1", PUBLIC_SCOPE, {}},
+        // Variables: the name comes after Dim or before As; constants are skipped.
+        {u"Dim x As Long, y As Long", kResultVariable, {"variable\t1\t0\tC::x\t"}, u"C"},
+        {u"Friend Shared As Long", kResultVariable, {"variable\t1\t2\t::Shared\t"}},
+        {u"Public Names(10) As String", kResultVariable, {"variable\t1\t1\t::Names\t"}},
+        {u"Private s As String * 20", kResultVariable, {"variable\t1\t3\t::s\t"}},
+        {u"Dim buf(10) As Byte", kResultVariable, {"variable\t1\t0\t::buf\t"}},
+        {u"mAssets As Long", kResultVariable, {"variable\t1\t0\t::m\t"}},
+        {u"Public Const Max = 10", kResultVariable, {}},
+    };
+    for (const Case& c : cases) EXPECT_EQ(Basic(c.word, c.scope, c.className), c.calls) << ToUtf8(c.word);
 }
 
-TEST(ProcessBasicVariable, NamesComeAfterDimOrBeforeAs) {
-    EXPECT_EQ(Basic(u"Dim x As Long, y As Long", kResultVariable, u"C"), (Calls{"variable\t1\t0\tC::x\t"}));
-    EXPECT_EQ(Basic(u"Friend Shared As Long", kResultVariable), (Calls{"variable\t1\t2\t::Shared\t"}));
-    EXPECT_EQ(Basic(u"Public Names(10) As String", kResultVariable), (Calls{"variable\t1\t1\t::Names\t"}));
-    EXPECT_EQ(Basic(u"Private s As String * 20", kResultVariable), (Calls{"variable\t1\t3\t::s\t"}));
-    EXPECT_EQ(Basic(u"Dim buf(10) As Byte", kResultVariable), (Calls{"variable\t1\t0\t::buf\t"}));
-    EXPECT_EQ(Basic(u"mAssets As Long", kResultVariable), (Calls{"variable\t1\t0\t::m\t"}));
-}
-
-TEST(ProcessBasicVariable, PrivateIsTriedFirstAndFoundInsideWords) {
+TEST(ProcessBasicVariable, PrivateIsTriedFirstAndFoundInsideWordsAndOtherRecordsAreSkipped) {
     Analyse a(LANGUAGE_BASIC);
     EXPECT_EQ(a.Basic(Record(u"Public PrivateKey As String", u"", kResultVariable)), (Calls{"variable\t1\t3\t::Key\t"}));
     EXPECT_EQ(a.last.Scope, PRIVATE_SCOPE);
-}
-
-TEST(ProcessBasicVariable, SkipsConstantsAndRecordsOfOtherKinds) {
-    EXPECT_EQ(Basic(u"Public Const Max = 10", kResultVariable), Calls{});
+    // A record of another kind handed over as a variable writes nothing.
     EXPECT_EQ(Analyse(LANGUAGE_BASIC).Basic(Record(u"Dim x As Long", u"", PUBLIC_SCOPE), true), Calls{});
 }

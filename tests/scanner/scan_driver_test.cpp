@@ -42,15 +42,6 @@ TEST(ParseFile, AMissingFileLeavesTheOutputUntouched) {
     EXPECT_TRUE(q.Results().empty());
 }
 
-TEST(ParseFile, StoresTheExtraEmptyLineAndCleansEveryLine) {
-    DumpingScanner q;
-    ScanBytes("a\n\t b  c\n", LANGUAGE_C, &q);
-    EXPECT_EQ(q.dump, "1 -- a\n2 -- b c\n3 -- \n");
-    EXPECT_EQ(q.LineCount(), 3);
-    EXPECT_TRUE(ScanBytes("", LANGUAGE_C, &q).empty());
-    EXPECT_EQ(q.dump, "1 -- \n");
-}
-
 TEST(ParseFile, UnlistedLanguagesFillTheResultsButWriteNothing) {
     clsQuillbox q;
     // A language without a table on a fresh scanner finds nothing at all.

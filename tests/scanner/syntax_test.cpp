@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "common/constants.h"
 #include "scanner/syntax.h"
 #include "support/scan_recorder.h"
@@ -22,12 +24,13 @@ TEST(SeparatorTable, MarksPunctuationAndLeavesNameCharacters) {
 }
 
 TEST(MakeSyntax, DeclareLevelIsZeroOnlyForCImplementationFiles) {
-    EXPECT_EQ(SyntaxOf(LANGUAGE_C).DeclareLevel, 0);
-    EXPECT_EQ(SyntaxOf(LANGUAGE_C, FILETYPE_DEFINITION).DeclareLevel, 1);
-    EXPECT_EQ(SyntaxOf(LANGUAGE_C, FILETYPE_FORM).DeclareLevel, 1);
-    EXPECT_EQ(SyntaxOf(LANGUAGE_C, FILETYPE_NOPARSE).DeclareLevel, 1);
-    EXPECT_EQ(SyntaxOf(LANGUAGE_JAVA, FILETYPE_IMPLEMENTATION).DeclareLevel, 1);
-    EXPECT_EQ(SyntaxOf(LANGUAGE_BASIC, FILETYPE_DEFINITION).DeclareLevel, 0);
+    const std::tuple<int16_t, int32_t, int16_t> cases[] = {
+        {LANGUAGE_C, FILETYPE_IMPLEMENTATION, 0}, {LANGUAGE_C, FILETYPE_DEFINITION, 1},
+        {LANGUAGE_C, FILETYPE_FORM, 1},           {LANGUAGE_C, FILETYPE_NOPARSE, 1},
+        {LANGUAGE_JAVA, FILETYPE_IMPLEMENTATION, 1}, {LANGUAGE_BASIC, FILETYPE_DEFINITION, 0},
+    };
+    for (const auto& [language, fileType, level] : cases)
+        EXPECT_EQ(SyntaxOf(language, fileType).DeclareLevel, level) << language << " " << fileType;
 }
 
 TEST(MakeSyntax, BasicAfterCClearsTheCWordsButKeepsTheLowerCaseClassWord) {

@@ -25,24 +25,28 @@ public:
     std::u16string FileName() override { return fileName_; }
     void WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
                         const std::u16string& params) override {
-        calls.push_back("declare\t" + std::to_string(line) + "\t" + std::to_string(scope) + "\t" + ToUtf8(fullName) +
-                        "\t" + ToUtf8(params));
+        Record("declare", line, scope, fullName, params);
     }
     void WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,
                          const std::u16string& typeText) override {
-        calls.push_back("variable\t" + std::to_string(line) + "\t" + std::to_string(scope) + "\t" + ToUtf8(fullName) +
-                        "\t" + ToUtf8(typeText));
+        Record("variable", line, scope, fullName, typeText);
     }
     void WriteEndClass__(const std::u16string& className, int32_t endLine) override {
-        calls.push_back("endclass\t" + std::to_string(endLine) + "\t" + ToUtf8(className));
+        Record("endclass", endLine, className);
     }
-    void WriteInclude__(const std::u16string& fileName, int32_t line) override {
-        calls.push_back("include\t" + std::to_string(line) + "\t" + ToUtf8(fileName));
-    }
+    void WriteInclude__(const std::u16string& fileName, int32_t line) override { Record("include", line, fileName); }
 
     std::vector<std::string> calls;
 
 private:
+    template <class... Fields>
+    void Record(std::string call, const Fields&... fields) {
+        ((call += "\t" + Field(fields)), ...);
+        calls.push_back(std::move(call));
+    }
+    static std::string Field(const std::u16string& text) { return ToUtf8(text); }
+    static std::string Field(int32_t number) { return std::to_string(number); }
+
     std::u16string fileName_;
     int32_t fileType_;
 };
