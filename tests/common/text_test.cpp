@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "common/text.h"
 
 using namespace kestrel;
@@ -39,4 +41,37 @@ TEST(Utf8, EncodesPairsAsOneCharacterAndLoneSurrogatesAsThreeBytes) {
     EXPECT_EQ(ToUtf8(u"\xd83d\xde00"), "\xf0\x9f\x98\x80");
     EXPECT_EQ(ToUtf8(u"\xd83d"), "\xed\xa0\xbd");
     EXPECT_EQ(ToUtf8(u"\xde00x"), "\xed\xb8\x80x");
+}
+
+// The decoder widens ASCII sixteen bytes at a time and finishes a short ASCII tail by
+// rewriting the last sixteen; every split between fast and slow paths must agree with
+// decoding one character at a time.
+TEST(Utf8, AnyMixOfAsciiRunsAndOtherBytesDecodesAsCharacterByCharacter) {
+    struct Piece {
+        std::string bytes;
+        std::u16string units;
+    };
+    const Piece others[] = {{"\xc3\xa9", u"\u00e9"},
+                            {"\xf0\x9f\x98\x80", u"\xd83d\xde00"},
+                            {"\xff", u"\u00ff"},
+                            {"\xe2\x82", u"\u00e2\u0082"}};
+    std::string letters, digits;
+    for (size_t k = 0; k < 40; ++k) {
+        letters += static_cast<char>('a' + k % 26);
+        digits += static_cast<char>('0' + k % 10);
+    }
+    for (const Piece& other : others) {
+        for (size_t before = 0; before <= 40; ++before) {
+            for (size_t after = 0; after <= 40; ++after) {
+                const std::string head = letters.substr(0, before), tail = digits.substr(0, after);
+                const std::string bytes = head + other.bytes + tail;
+                const std::u16string expected = std::u16string(head.begin(), head.end()) + other.units +
+                                                std::u16string(tail.begin(), tail.end());
+                ASSERT_EQ(FromUtf8(bytes), expected) << "before " << before << ", after " << after;
+                std::u16string appended = u"head";
+                AppendUtf8(appended, bytes);
+                ASSERT_EQ(appended, u"head" + expected);
+            }
+        }
+    }
 }

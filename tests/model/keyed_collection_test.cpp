@@ -60,33 +60,6 @@ TEST(KeyedCollection, KeysThatDifferOnlyInSpacesAreDifferentKeys) {
     EXPECT_EQ(c.Find(u"\u00e9t\u00e9 x"), nullptr);
 }
 
-TEST(KeyedCollection, AKeyInTwoPiecesIsFoundWhereverItsSpacesAndItsSplitFall) {
-    // The hash packs units four at a time, so spaces and the split between the pieces
-    // are moved across every position of a long key, in ASCII and beyond it.
-    for (std::u16string key : {std::u16string(u"QOBJECT::CONNECT(CONSTQOBJECT*,INT)"),
-                               std::u16string(u"\u00c9T\u00c9PARAM(\u00c9L\u00c8VE,X)")}) {
-        Numbers c;
-        c.Add(key, std::make_shared<int>(1));
-        c.Add(key + u"X", std::make_shared<int>(2));
-        for (size_t space = 0; space <= key.size(); ++space) {
-            std::u16string spaced = UpperCase(key);
-            for (char16_t& u : spaced) u = u >= u'A' && u <= u'Z' ? static_cast<char16_t>(u + 32) : u;
-            spaced.insert(space, space % 2 ? u" " : u"   ");
-            for (size_t split = 0; split <= spaced.size(); ++split) {
-                const std::u16string_view all(spaced);
-                const auto probe = c.LocateJoined(all.substr(0, split), all.substr(split));
-                ASSERT_NE(probe.found, nullptr) << "space " << space << " split " << split;
-                EXPECT_EQ(*probe.found, 1);
-            }
-            EXPECT_EQ(c.LocateJoined(spaced, u"x").found, c.Find(key + u"X"));
-            EXPECT_EQ(c.LocateJoined(spaced, u"y").found, nullptr);
-        }
-    }
-    Numbers spacedKey;  // a key that holds a space is not the joined key without it
-    spacedKey.Add(u"F (INT)", std::make_shared<int>(1));
-    EXPECT_EQ(spacedKey.LocateJoined(u"f", u"(int)").found, nullptr);
-}
-
 TEST(KeyedCollection, RemoveWhereSweepsInOrderAndStopsAtAnError) {
     Numbers c;
     for (int i = 1; i <= 10; ++i) c.Add(ToText(i), std::make_shared<int>(i));
@@ -152,12 +125,15 @@ TEST(KeyedCollection, PositionsHoldWhileEntriesComeAndGoInTurns) {
     EXPECT_EQ(*c.At(1), -1);
 }
 
-TEST(KeyHash, ALongKeyHashesAlikeWhereverItsSpacesItsCaseAndItsSplitFall) {
+TEST(KeyHash, ALongKeyHashesAndIsFoundAlikeWhereverItsSpacesItsCaseAndItsSplitFall) {
     // Longer than two of the chunks the units are packed in, with runs of spaces that
     // straddle the chunk edges and units beyond ASCII among them.
     std::u16string key;
     for (int i = 0; key.size() < 150; ++i) key += i % 3 ? u"PARAM" + ToText(i) + u"," : u"\u00c9L\u00c8VE*,";
     const uint32_t whole = KeyHash().Add(key).Value();
+    Numbers c;
+    c.Add(key, std::make_shared<int>(1));
+    c.Add(key + u"X", std::make_shared<int>(2));
 
     std::u16string spaced;
     for (size_t i = 0; i < key.size(); ++i) {
@@ -167,12 +143,22 @@ TEST(KeyHash, ALongKeyHashesAlikeWhereverItsSpacesItsCaseAndItsSplitFall) {
     }
     spaced += u"  ";
     EXPECT_EQ(KeyHash().Add(spaced).Value(), whole);
-    for (size_t split = 0; split <= spaced.size(); ++split)
+    for (size_t split = 0; split <= spaced.size(); ++split) {
         ASSERT_EQ(HashInTwo(spaced, split), whole) << "split " << split;
+        const std::u16string_view all(spaced);
+        const auto probe = c.LocateJoined(all.substr(0, split), all.substr(split));
+        ASSERT_NE(probe.found, nullptr) << "split " << split;
+        EXPECT_EQ(*probe.found, 1);
+    }
+    EXPECT_EQ(c.LocateJoined(spaced, u"x").found, c.Find(key + u"X"));
+    EXPECT_EQ(c.LocateJoined(spaced, u"y").found, nullptr);
 
     std::u16string changed = key;  // one unit differs near the end
     changed[140] = u'#';
     EXPECT_NE(KeyHash().Add(changed).Value(), whole);
+    Numbers spacedKey;  // a key that holds a space is not the joined key without it
+    spacedKey.Add(u"F (INT)", std::make_shared<int>(1));
+    EXPECT_EQ(spacedKey.LocateJoined(u"f", u"(int)").found, nullptr);
 }
 
 TEST(KeyHash, TrailingNulUnitsAndSpacesOnlyKeysAreToldApart) {

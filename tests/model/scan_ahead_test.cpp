@@ -6,6 +6,7 @@
 
 #include "common/constants.h"
 #include "model/all_files.h"
+#include "support/error_capture.h"
 #include "support/recording_sink.h"
 #include "support/scratch.h"
 
@@ -58,12 +59,8 @@ struct ObservedRun {
     }
     template <class Step>
     void Observe(Step&& step) {
-        ErrorHandler previous = SetErrorHandler([&](const ErrorReport& r) -> int16_t {
-            sink->calls.push_back("report " + std::string(r.title) + " " + std::string(r.message));
-            return 0;
-        });
+        test::ErrorCapture reports(&sink->calls);
         step();
-        SetErrorHandler(previous);
         for (std::string& c : sink->Take()) observed.push_back(std::move(c));
     }
 };

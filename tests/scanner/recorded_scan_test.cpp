@@ -31,10 +31,7 @@ public:
 std::vector<std::string> Observed(const std::string& text, int16_t language, bool recorded) {
     test::TempFile file(text);
     FailingRecorder out(file.name());
-    ErrorHandler previous = SetErrorHandler([&](const ErrorReport& r) -> int16_t {
-        out.calls.push_back("report " + std::string(r.title) + " " + std::string(r.message));
-        return 0;
-    });
+    test::ErrorCapture reports(&out.calls);
     if (recorded) {
         RecordedScan scan(file.name(), FILETYPE_IMPLEMENTATION, language);
         scan.Scan();
@@ -44,7 +41,6 @@ std::vector<std::string> Observed(const std::string& text, int16_t language, boo
         out.calls.push_back("scanned");
         clsQuillbox().ParseFile(out, language);
     }
-    SetErrorHandler(previous);
     return out.calls;
 }
 

@@ -17,9 +17,12 @@ struct CapturedError {
 
 class ErrorCapture {
 public:
-    ErrorCapture() {
-        previous_ = SetErrorHandler([this](const ErrorReport& r) -> int16_t {
+    // With `interleaved`, each report is also appended there as "report <title> <message>",
+    // to see reports in their places among other recorded calls.
+    explicit ErrorCapture(std::vector<std::string>* interleaved = nullptr) {
+        previous_ = SetErrorHandler([this, interleaved](const ErrorReport& r) -> int16_t {
             reports.push_back({std::string(r.module), std::string(r.title), r.number, std::string(r.message)});
+            if (interleaved) interleaved->push_back("report " + std::string(r.title) + " " + std::string(r.message));
             return 0;
         });
     }
