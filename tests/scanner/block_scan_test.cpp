@@ -88,26 +88,23 @@ TEST(TakeLevelsOut, WhatEntersTheResultList) {
         {"a surplus closing brace ends a nameless body and hides what follows",
          {u"}", u"int hidden;", u"{", u"int seen;"},
          {"1|253||" + kEnd, "4|0||int seen;"}},
+        // The extern block takes the last class name; the scope carries past the class end.
+        {"class state outlives the class",
+         {u"class K", u"{", u"};", u"extern  {", u"int f(void);", u"}"},
+         {"3|253|K|" + kEnd, "3|0||;", "4|0||extern  ", "5|0|K|int f(void);", "6|253|K|" + kEnd}},
+        {"scope outlives the class", {u"class A", u"{", u"private:", u"int a;", u"};", u"int b;"},
+         {"3|3|A|private:", "4|3|A|int a;", "5|253|A|" + kEnd, "5|3||;", "6|3||int b;"}},
+        {"class names are cut at separators",
+         {u"template <typename T> class Box", u"{", u"T value;", u"};"},
+         {"3|0|Box|T value;", "4|253|Box|" + kEnd, "4|0||;"}},
+        // "friend class" ends the line: the name is read from position -1 + 5.
+        {"a class word at the line end", {u"friend class", u"{", u"int x;", u"}"}, {"3|0|end|int x;", "4|253|end|" + kEnd}},
         {"Exit Sub counts as a procedure start",
          {u"Sub A()", u"If x Then Exit Sub", u"End Sub"},
          {"1|0||Sub A()", "2|0||If x Then Exit Sub"},
          LANGUAGE_BASIC},
     };
     for (const Case& c : cases) EXPECT_EQ(ScanLevels(c.lines, c.language).results, c.results) << c.what;
-}
-
-TEST(TakeLevelsOut, ClassStateOutlivesTheClass) {
-    // The extern block takes the last class name; the scope carries past the class end.
-    Pass after = ScanLevels({u"class K", u"{", u"};", u"extern  {", u"int f(void);", u"}"});
-    EXPECT_EQ(after.results[3], "5|0|K|int f(void);");
-    EXPECT_EQ(after.results[4], "6|253|K|" + kEnd);
-    EXPECT_EQ(ScanLevels({u"class A", u"{", u"private:", u"int a;", u"};", u"int b;"}).results.back(), "6|3||int b;");
-}
-
-TEST(TakeLevelsOut, ClassNamesAreCutAtSeparatorsAndAClassWordAtTheLineEndReadsOnFromMinusOne) {
-    EXPECT_EQ(ScanLevels({u"template <typename T> class Box", u"{", u"T value;", u"};"}).results[0], "3|0|Box|T value;");
-    // "friend class" ends the line: the name is read from position -1 + 5.
-    EXPECT_EQ(ScanLevels({u"friend class", u"{", u"int x;", u"}"}).results[0], "3|0|end|int x;");
 }
 
 TEST(TakeLevelsOut, BasicProceduresHideTheirLocalVariablesAndTheirEndWordIsCut) {
