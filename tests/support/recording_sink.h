@@ -69,4 +69,12 @@ private:
     }
 };
 
+// A host that lists the classes it is offered as "name|user data|user id".
+struct ClassList : ClassEnumerator {
+    std::vector<std::string> seen;
+    void EnumClass(const std::u16string& Name, const std::u16string& UserData, int32_t UserId) override {
+        seen.push_back(ToUtf8(Name) + "|" + ToUtf8(UserData) + "|" + std::to_string(UserId));
+    }
+};
+
 }  // namespace kestrel::test
