@@ -18,11 +18,9 @@ namespace fs = std::filesystem;
 namespace {
 
 // A project folder with a header and an implementation of the same class.
-struct ProjectFixture : ::testing::Test {
+struct ProjectFixture : ::testing::Test, test::RecordedFiles<> {
     test::ScratchDir scratch;
     const fs::path& dir = scratch.path();
-    std::shared_ptr<test::RecordingSink> sink = std::make_shared<test::RecordingSink>();
-    std::shared_ptr<clsAllFiles> files = std::make_shared<clsAllFiles>();
 
     ProjectFixture() {
         fs::create_directories(dir / "src");
@@ -30,24 +28,16 @@ struct ProjectFixture : ::testing::Test {
               "class CView\n{\npublic:\n    void Draw(int x);\n    int m_x;\n};\n");
         Write("src/view.cpp", "#include \"view.h\"\n\nvoid CView::Draw( int x )\n{\n}\n\nint main()\n{\n}\n");
         sink->ProjectDir = FromUtf8(dir.string() + "/");
-        files->SetSinkObject__(sink);
     }
     void Write(const std::string& name, const std::string& text) { test::WriteFileBytes(dir / name, text); }
     std::u16string Path(const std::string& name) { return FromUtf8((dir / name).string()); }
 };
 
-struct RescanFixture : ::testing::Test {
-    std::shared_ptr<test::RecordingSink> sink = std::make_shared<test::RecordingSink>();
-    std::shared_ptr<clsAllFiles> files = std::make_shared<clsAllFiles>();
-    FilePtr file;
+struct RescanFixture : ::testing::Test, test::RecordedFiles<> {
+    FilePtr file = files->Add(u"/proj/view.h", FILETYPE_FORM);  // a form: Add does not read the disk
 
-    RescanFixture() {
-        files->SetSinkObject__(sink);
-        // Listed as a form so Add does not read the disk; scanned from memory below.
-        file = files->Add(u"/proj/view.h", FILETYPE_FORM);
-        file->FileType(FILETYPE_DEFINITION);
-    }
-    std::vector<std::u16string> NamesOf(const clsClassObject::Items& items) {
+    RescanFixture() { file->FileType(FILETYPE_DEFINITION); }  // scanned from memory below
+    static std::vector<std::u16string> NamesOf(const clsClassObject::Items& items) {
         std::vector<std::u16string> out;
         for (const ItemPtr& i : items) out.emplace_back(i->Name());
         return out;

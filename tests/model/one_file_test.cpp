@@ -160,12 +160,6 @@ TEST_F(FileFixture, WithoutItsControlAFileCannotUpdate) {
     EXPECT_EQ(errors.reports.back().module, "clsOneFile.cls");
 }
 
-TEST(FuncKey, UpperCasesAndDropsSpacesOnly) {
-    EXPECT_EQ(clsClassObject::MakeFuncKey__(u"Foo", u"( int a )"), u"FOO(INTA)");
-    EXPECT_EQ(clsClassObject::MakeFuncKey__(u"f", u"(int\ta)"), u"F(INT\tA)");
-    EXPECT_EQ(clsClassObject::MakeFuncKey__(u"", u""), u"");
-}
-
 TEST_F(ClassFixture, SameFunctionWithOtherSpacingOrCaseIsOneRefreshedEntry) {
     Func(u"Foo", 5, u"(int a)");
     Func(u"FOO", 9, u"( int a )");
@@ -176,6 +170,9 @@ TEST_F(ClassFixture, SameFunctionWithOtherSpacingOrCaseIsOneRefreshedEntry) {
     EXPECT_EQ(f->Params(), u"( int a )");
     EXPECT_EQ(f->KeyVal(), u"FOO(INTA)");
     EXPECT_EQ(cls->func(u"foo(inta)"), f);
+    // Only spaces leave a key.
+    EXPECT_EQ(clsClassObject::MakeFuncKey__(u"f", u"(int\ta)"), u"F(INT\tA)");
+    EXPECT_EQ(clsClassObject::MakeFuncKey__(u"", u""), u"");
     // The sink hears about both, the second time as a refresh of the same item.
     EXPECT_EQ(sink->Take(), (Calls{"AddFunction CView::Foo /proj/src/view.h", "AddFunction CView::Foo /proj/src/view.h"}));
 }
@@ -216,13 +213,7 @@ TEST_F(ClassFixture, SinkErrorsAreIgnoredForFunctionsButReachTheCallerForVariabl
     EXPECT_EQ(cls->CountVars(), 1);  // stored before the sink was told
 }
 
-TEST_F(ClassFixture, IsFunctionDefinedComparesNamesExactlyAndLineZeroCounts) {
-    Func(u"Draw", 0);
-    EXPECT_EQ(cls->IsFunctionDefined(u"Draw"), 0);
-    EXPECT_EQ(cls->IsFunctionDefined(u"draw"), -1);
-}
-
-TEST_F(ClassFixture, InProcFindsTheLatestStartAtOrBeforeTheLine) {
+TEST_F(ClassFixture, InProcFindsTheLatestStartAtOrBeforeTheLineAndIsFunctionDefinedTheExactName) {
     int32_t start = 0;
     EXPECT_EQ(cls->InProc__(10, start), nullptr);
     EXPECT_EQ(start, -1);
@@ -235,6 +226,10 @@ TEST_F(ClassFixture, InProcFindsTheLatestStartAtOrBeforeTheLine) {
     EXPECT_EQ(cls->InProc__(25, start)->Name(), u"c");  // first of equal starts wins
     EXPECT_EQ(start, 20);
     EXPECT_EQ(cls->InProc__(1000, start)->Name(), u"b");  // the end of a function is not consulted
+    // Names are compared exactly, and a function on line 0 is defined.
+    Func(u"Draw", 0);
+    EXPECT_EQ(cls->IsFunctionDefined(u"Draw"), 0);
+    EXPECT_EQ(cls->IsFunctionDefined(u"draw"), -1);
 }
 
 TEST_F(ClassFixture, ReplayShowsTheHourglassOnlyForMoreThanTwentyMembers) {

@@ -48,15 +48,10 @@ struct Folder {
 };
 
 // Everything the host could observe: sink calls and error reports, in one sequence.
-struct ObservedRun {
+struct ObservedRun : test::RecordedFiles<RefusingSink> {
     std::vector<std::string> observed;
-    std::shared_ptr<RefusingSink> sink = std::make_shared<RefusingSink>();
-    std::shared_ptr<clsAllFiles> files = std::make_shared<clsAllFiles>();
 
-    explicit ObservedRun(unsigned threads) {
-        files->SetSinkObject__(sink);
-        files->SetScanThreads(threads);
-    }
+    explicit ObservedRun(unsigned threads) { files->SetScanThreads(threads); }
     template <class Step>
     void Observe(Step&& step) {
         test::ErrorCapture reports(&sink->calls);
@@ -81,13 +76,12 @@ TEST(ScanAhead, AddsAndRescansOnWorkersAreIndistinguishableFromScanningInPlace) 
         run.Observe([&] { run.files->UpdateAllFiles(); });
         test::WriteFileBytes(folder.dir / "f1.cpp", "class C1\n{\n  int refused;\n  void f(int a);\n};\n");
     }
-    ASSERT_GT(runs[0].observed.size(), 200u);
-    EXPECT_NE(std::find(runs[0].observed.begin(), runs[0].observed.end(), "report Sub TakeLevelsOut Subscript out of range"),
-              runs[0].observed.end());
-    EXPECT_NE(std::find(runs[0].observed.begin(), runs[0].observed.end(), "report Sub WriteVariable__ refused"),
-              runs[0].observed.end());
-    EXPECT_EQ(runs[1].observed, runs[0].observed);
-    EXPECT_EQ(runs[2].observed, runs[0].observed);
+    const std::vector<std::string>& seen = runs[0].observed;
+    ASSERT_GT(seen.size(), 200u);
+    for (const char* report : {"report Sub TakeLevelsOut Subscript out of range", "report Sub WriteVariable__ refused"})
+        EXPECT_NE(std::find(seen.begin(), seen.end(), report), seen.end()) << report;
+    EXPECT_EQ(runs[1].observed, seen);
+    EXPECT_EQ(runs[2].observed, seen);
 }
 
 TEST(ScanAhead, AddsThatLeaveTheListedOrderStillScanEveryFile) {

@@ -31,12 +31,8 @@ struct TestHost : ProjectHost {
     bool CreateBackup() override { return backup; }
 };
 
-struct Project {
-    std::shared_ptr<RecordingSink> sink = std::make_shared<RecordingSink>();
-    std::shared_ptr<clsAllFiles> files = std::make_shared<clsAllFiles>();
+struct Project : RecordedFiles<> {
     TestHost host;
-
-    Project() { files->SetSinkObject__(sink); }
 
     bool Save() { return clsSaveIntoFile().Save(host, *files); }
     bool Load(const std::string& path) { return clsSaveIntoFile().Load(FromUtf8(path), host, *files); }

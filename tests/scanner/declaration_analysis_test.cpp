@@ -99,23 +99,23 @@ TEST(CAnalysis, WhatOneStatementWrites) {
     for (const Case& c : cases) EXPECT_EQ(C(c.word, c.className), c.calls) << ToUtf8(c.word);
 }
 
-TEST(CollectParams, JoinsContinuationLinesWithoutABlank) {
-    Analyse a(LANGUAGE_C, {u"int b", u") ;"});
-    EXPECT_EQ(a.C(Record(u"void open( int a,")), (Calls{"declare\t1\t1\t::open\t(int a,int b)"}));
-}
-
-TEST(CollectParams, CountsNestingAcrossLines) {
-    Analyse nested(LANGUAGE_C, {u"b),", u"", u"c) x"});
-    EXPECT_EQ(nested.C(Record(u"int f(a, g(")), (Calls{"declare\t1\t1\t::f\t(a, g(b),c)"}));
-    Analyse balanced(LANGUAGE_C, {u"x(1)", u"  ", u"y) z(", u")"});
-    EXPECT_EQ(balanced.C(Record(u"int f(a,")), (Calls{"declare\t1\t1\t::f\t(a,x(1)y)"}));
-    Analyse deeper(LANGUAGE_C, {u"(", u")", u")"});
-    EXPECT_EQ(deeper.C(Record(u"int f(a")), (Calls{"declare\t1\t1\t::f\t(a())"}));
-}
-
-TEST(CollectParams, AListThatNeverClosesGivesEmptyParentheses) {
-    Analyse a(LANGUAGE_C, {u"int b", u"", u"int c"});
-    EXPECT_EQ(a.C(Record(u"void open( int a,")), (Calls{"declare\t1\t1\t::open\t()"}));
+TEST(CollectParams, JoinsContinuationLinesWithoutABlankCountingNestingAcrossThem) {
+    struct Case {
+        std::u16string word;
+        std::vector<std::u16string> following;
+        std::string params;
+    };
+    const Case cases[] = {
+        {u"void open( int a,", {u"int b", u") ;"}, "(int a,int b)"},
+        {u"int f(a, g(", {u"b),", u"", u"c) x"}, "(a, g(b),c)"},
+        {u"int f(a,", {u"x(1)", u"  ", u"y) z(", u")"}, "(a,x(1)y)"},
+        {u"int f(a", {u"(", u")", u")"}, "(a())"},
+        {u"void open( int a,", {u"int b", u"", u"int c"}, "()"},  // never closes
+    };
+    for (const Case& c : cases) {
+        const std::string call = Analyse(LANGUAGE_C, c.following).C(Record(c.word)).at(0);
+        EXPECT_EQ(call.substr(call.rfind('\t') + 1), c.params) << ToUtf8(c.word);
+    }
     std::vector<std::u16string> lines{u"", u"x"};
     EXPECT_EQ(ParamCollector(lines, 1).CollectParams(Record(u"no parenthesis")), u"");
 }

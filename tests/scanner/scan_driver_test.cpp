@@ -53,14 +53,6 @@ std::string ScanAndDump(const std::string& bytes, int16_t language) {
 
 }  // namespace
 
-TEST(ParseFile, AMissingFileLeavesTheOutputUntouched) {
-    ScanRecorder out(u"/nonexistent/kestrel/x.cpp");
-    clsQuillbox q;
-    EXPECT_FALSE(q.ParseFile(out, LANGUAGE_C));
-    EXPECT_TRUE(out.calls.empty());
-    EXPECT_TRUE(q.Results().empty());
-}
-
 TEST(ParseFile, UnlistedLanguagesFillTheResultsButWriteNothing) {
     clsQuillbox q;
     // A language without a table on a fresh scanner finds nothing at all.
@@ -84,14 +76,6 @@ TEST(ParseFile, ParameterListsReadLinesTheBlockPassLeftBehind) {
     Calls calls = ScanBytes("void Move(int dx,\nclass A\xC4\x81{\nint dy);\n");
     EXPECT_EQ(calls, (Calls{"declare\t1\t0\t::Move\t(int dx,class A\u0101{int dy)"}));
     EXPECT_EQ(capture.Seen(), Calls{"clsQuillbox.cls|Sub TakeLevelsOut|9"});
-}
-
-TEST(ParseEmbeededFile, ScansTheHostsLines) {
-    test::TextLines host{u"class A", u"{", u"public:", u"\tint Get() const;", u"};"};
-    ScanRecorder out(u"buffer");
-    clsQuillbox q;
-    EXPECT_TRUE(q.ParseEmbeededFile(out, LANGUAGE_C, host));
-    EXPECT_EQ(out.calls, (Calls{"declare\t4\t1\tA::Get\t()", "endclass\t5\tA"}));
 }
 
 TEST(ParseEmbeededFile, AHostLineWithALineFeedMakesTheFollowingLinesSkipAhead) {

@@ -69,6 +69,14 @@ private:
     }
 };
 
+// A file collection that tells its sink everything.
+template <class Sink = RecordingSink>
+struct RecordedFiles {
+    std::shared_ptr<Sink> sink = std::make_shared<Sink>();
+    std::shared_ptr<clsAllFiles> files = std::make_shared<clsAllFiles>();
+    RecordedFiles() { files->SetSinkObject__(sink); }
+};
+
 // A host that lists the classes it is offered as "name|user data|user id".
 struct ClassList : ClassEnumerator {
     std::vector<std::string> seen;
