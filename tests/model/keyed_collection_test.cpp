@@ -18,46 +18,33 @@ uint32_t HashInTwo(std::u16string_view text, size_t split) {
 
 }  // namespace
 
-TEST(KeyedCollection, KeepsInsertionOrderAndFindsByPositionOrCaseBlindKey) {
+TEST(KeyedCollection, FindsByPositionOrByAKeyComparedCaseBlindWithItsSpaces) {
+    // Spaces do not count towards a key's hash, but they do count towards the key; the
+    // empty string is an ordinary key.
     Numbers c;
-    c.Add(u"beta", std::make_shared<int>(1));
-    c.Add(u"Alpha", std::make_shared<int>(2));
-    c.Add(u"", std::make_shared<int>(3));  // the empty string is an ordinary key
+    int n = 0;
+    for (std::u16string_view key : {u"beta", u"Alpha", u"", u"a b", u"ab", u" \u00e9t\u00e9 x", u"\u00c9T\u00c9X"})
+        c.Add(key, std::make_shared<int>(++n));
     std::vector<int> order;
     for (const auto& v : c) order.push_back(*v);
-    EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+    EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4, 5, 6, 7}));
     EXPECT_EQ(*c.At(3), 3);
     EXPECT_EQ(c.At(0), nullptr);
-    EXPECT_EQ(c.At(4), nullptr);
-    EXPECT_EQ(*c.Find(u"ALPHA"), 2);
-    EXPECT_EQ(*c.Find(u""), 3);
-    EXPECT_EQ(c.Find(u"gamma"), nullptr);
-}
-
-TEST(KeyedCollection, AnExistingKeyInAnyCaseIsAnError) {
-    Numbers c;
-    c.Add(u"count", std::make_shared<int>(1));
-    EXPECT_FALSE(c.TryAdd(u"COUNT", std::make_shared<int>(2)));
-    EXPECT_THROW(c.Add(u"Count", std::make_shared<int>(3)), RuntimeError);
-    EXPECT_EQ(c.Count(), 1);
-    EXPECT_THROW(c.Item(2), RuntimeError);
+    EXPECT_EQ(c.At(8), nullptr);
+    const std::pair<std::u16string_view, int> lookups[] = {
+        {u"ALPHA", 2}, {u"", 3},  {u"gamma", 0}, {u"A B", 4}, {u"aB", 5}, {u" \u00c9T\u00c9 X", 6}, {u"\u00e9t\u00e9x", 7},
+        {u"a  b", 0},  {u"\u00e9t\u00e9 x", 0},
+    };
+    for (const auto& [key, value] : lookups) {
+        const auto found = c.Find(key);
+        EXPECT_EQ(found ? *found : 0, value) << ToUtf8(std::u16string(key));
+    }
+    // An existing key in any letter case is refused, by Add as an error; so are misses by Item.
+    EXPECT_FALSE(c.TryAdd(u"A B", std::make_shared<int>(0)));
+    EXPECT_THROW(c.Add(u"BETA", std::make_shared<int>(0)), RuntimeError);
+    EXPECT_EQ(c.Count(), 7);
+    EXPECT_THROW(c.Item(8), RuntimeError);
     EXPECT_THROW(c.Item(u"nope"), RuntimeError);
-}
-
-TEST(KeyedCollection, KeysThatDifferOnlyInSpacesAreDifferentKeys) {
-    // Spaces do not count towards a key's hash, but they do count towards the key.
-    Numbers c;
-    c.Add(u"a b", std::make_shared<int>(1));
-    c.Add(u"ab", std::make_shared<int>(2));
-    c.Add(u" \u00e9t\u00e9 x", std::make_shared<int>(3));
-    c.Add(u"\u00c9T\u00c9X", std::make_shared<int>(4));
-    EXPECT_FALSE(c.TryAdd(u"A B", std::make_shared<int>(5)));
-    EXPECT_EQ(*c.Find(u"A B"), 1);
-    EXPECT_EQ(*c.Find(u"aB"), 2);
-    EXPECT_EQ(*c.Find(u" \u00c9T\u00c9 X"), 3);
-    EXPECT_EQ(*c.Find(u"\u00e9t\u00e9x"), 4);
-    EXPECT_EQ(c.Find(u"a  b"), nullptr);
-    EXPECT_EQ(c.Find(u"\u00e9t\u00e9 x"), nullptr);
 }
 
 TEST(KeyedCollection, RemoveWhereSweepsInOrderAndStopsAtAnError) {
