@@ -1,11 +1,7 @@
 #pragma once
 // A scanner output that records every call as one TAB-separated line (the format of
 // `kestrel scan`), and helpers that scan a text through a real file on disk.
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "common/constants.h"
@@ -13,6 +9,7 @@
 #include "scanner/quillbox.h"
 #include "scanner/scan_output.h"
 #include "scanner/syntax.h"
+#include "support/scratch.h"
 
 namespace kestrel::test {
 
@@ -51,23 +48,15 @@ private:
     int32_t fileType_;
 };
 
-// A file in the temporary directory, removed when the object goes.
+// A file of `bytes` in a scratch folder of its own, removed with it.
 class TempFile {
 public:
-    explicit TempFile(const std::string& bytes, const std::string& suffix = ".txt") {
-        static int counter = 0;
-        path_ = (std::filesystem::temp_directory_path() /
-                 ("kestrel-scan-" + std::to_string(::getpid()) + "-" + std::to_string(++counter) + suffix))
-                    .string();
-        std::ofstream(path_, std::ios::binary) << bytes;
-    }
-    ~TempFile() { std::remove(path_.c_str()); }
-    TempFile(const TempFile&) = delete;
-    TempFile& operator=(const TempFile&) = delete;
+    explicit TempFile(const std::string& bytes) : path_(dir_ / "scanned.txt") { WriteFileBytes(path_, bytes); }
     const std::string& path() const { return path_; }
     std::u16string name() const { return FromUtf8(path_); }
 
 private:
+    ScratchDir dir_;
     std::string path_;
 };
 
