@@ -141,7 +141,7 @@ TEST(OneItem, AnItemFiledUnderItsOwnKeyIsFoundWhereverItsSpacesFall) {
     EXPECT_FALSE(blank.HasKeyVal());
 }
 
-TEST(ItemMemory, PiecesStayApartAndAliveUntilEachIsFreedInAnyOrder) {
+TEST(ItemMemory, PiecesStayApartAndAliveUntilEachIsFreedInAnyOrderOnAnyThread) {
     // Enough pieces to fill several blocks, some too large to share one.
     std::vector<Piece> pieces = Carve(5000, 60);
     for (const Piece& p : Carve(40, 20000)) pieces.push_back(p);
@@ -153,10 +153,7 @@ TEST(ItemMemory, PiecesStayApartAndAliveUntilEachIsFreedInAnyOrder) {
     std::vector<Piece> again = Carve(100, 30);
     for (const Piece& p : again) EXPECT_TRUE(p.Intact());
     for (const Piece& p : again) FreeItemMemory(p.at);
-}
-
-TEST(ItemMemory, PiecesOutliveTheThreadThatCarvedThemAndMayBeFreedElsewhere) {
-    std::vector<Piece> pieces;
+    // Pieces outlive the thread that carved them and may be freed on another.
     std::thread([&] { pieces = Carve(3000, 48); }).join();
     for (const Piece& p : pieces) ASSERT_TRUE(p.Intact());
     std::thread([&] {
