@@ -29,14 +29,12 @@ TEST(TrimSpaces, RemovesSpacesOnly) {
     EXPECT_EQ(TrimSpaces(u"   "), u"");
 }
 
-TEST(Utf8, DecodesValidSequencesAndKeepsInvalidBytesAsTheirValue) {
+TEST(Utf8, KeepsInvalidBytesAsTheirValueAndEncodesLoneSurrogates) {
     EXPECT_EQ(FromUtf8("\xc0\xaf"), u"\u00c0\u00af");               // overlong
     EXPECT_EQ(FromUtf8("\xed\xa0\x80"), u"\u00ed\u00a0\u0080");     // encoded surrogate
     EXPECT_EQ(FromUtf8("\xf4\x90\x80\x80"), u"\u00f4\u0090\u0080\u0080");  // above U+10FFFF
     EXPECT_EQ(FromUtf8(std::string("a\0b", 3)), std::u16string(u"a\0b", 3));
-}
-
-TEST(Utf8, EncodesPairsAsOneCharacterAndLoneSurrogatesAsThreeBytes) {
+    // Surrogate pairs encode as one character, lone surrogates as three bytes.
     EXPECT_EQ(ToUtf8(u"a\u00e9"), "a\xc3\xa9");
     EXPECT_EQ(ToUtf8(u"\xd83d\xde00"), "\xf0\x9f\x98\x80");
     EXPECT_EQ(ToUtf8(u"\xd83d"), "\xed\xa0\xbd");

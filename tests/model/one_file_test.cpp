@@ -129,15 +129,13 @@ TEST_F(FileFixture, FileLevelQueries) {
     EXPECT_TRUE(sink->calls.empty());
 }
 
-TEST_F(FileFixture, FileNameIsMadeAbsoluteOnceAndCached) {
+TEST_F(FileFixture, FileNameIsMadeAbsoluteOnceAndCachedAndUnparsedFilesAreNotScanned) {
     file->FileName(u"src/view.h");
     EXPECT_EQ(file->FileName(), u"/proj/src/view.h");
     file->FileName(u"other.h");  // replaces the stored name, keeps the cache
     EXPECT_EQ(file->RelativeFilename(), u"other.h");
     EXPECT_EQ(file->FileName(), u"/proj/src/view.h");
-}
-
-TEST_F(FileFixture, UnparsedFilesAreRenamedButNotScanned) {
+    // An unparsed file is renamed by an update, from the full name, but not scanned.
     file->FileType(FILETYPE_NOPARSE);
     file->WriteDeclare__(u"A::f", 10, PUBLIC_SCOPE, u"()");
     sink->Take();

@@ -47,7 +47,7 @@ std::vector<Piece> Carve(int n, size_t bytes) {
 
 }  // namespace
 
-TEST(OneItem, KeepsEveryKindOfKeyValAsGiven) {
+TEST(OneItem, KeepsEveryKindOfKeyValAsGivenAndEachTextChangesAlone) {
     for (std::u16string_view keyVal : {u"", u"count", u"COUNT(INTN)", u"count#2", u"COUNT", u"count (int n)"}) {
         clsOneItem item(u"count", u"(int n)", keyVal);
         EXPECT_EQ(item.KeyVal(), keyVal);
@@ -56,9 +56,7 @@ TEST(OneItem, KeepsEveryKindOfKeyValAsGiven) {
         EXPECT_EQ(item.Params(), u"(int n)");
         EXPECT_EQ(item.UserData(), u"");
     }
-}
-
-TEST(OneItem, EachTextChangesAloneWhateverTheKeyValHoldsTo) {
+    // Each text changes alone, whatever the key value holds to.
     clsOneItem item(u"Draw", u"( int mode )", u"DRAW(INTMODE)");
     item.SetParams(u"()");
     EXPECT_EQ(item.KeyVal(), u"DRAW(INTMODE)");  // no longer the key of name and parameters

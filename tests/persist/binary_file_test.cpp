@@ -28,14 +28,18 @@ TEST_F(BinaryFileFixture, WritesLittleEndianNumbersAndCountedSingleByteStrings) 
     file.SaveNumeric(-2);
     file.SaveString(u"");
     file.SaveString(u"\u00e9\u20ac");  // below 256 as its own byte, anything else as '?'
+    file.SaveString(std::u16string(32000, u'u'));  // written whole, though too long to read back
     EXPECT_TRUE(file.CloseFile());
-    EXPECT_EQ(Bytes(), std::string("\x03\0\0\0abc\xfe\xff\xff\xff\0\0\0\0\x02\0\0\0\xe9?", 21));
+    EXPECT_EQ(Bytes(), std::string("\x03\0\0\0abc\xfe\xff\xff\xff\0\0\0\0\x02\0\0\0\xe9?", 21) + N(32000) +
+                           std::string(32000, 'u'));
 
     ASSERT_TRUE(file.OpenFile(Name(), false));
     EXPECT_EQ(file.LoadString(), u"abc");
     EXPECT_EQ(file.LoadNumeric(), -2);
     EXPECT_EQ(file.LoadString(), u"");
     EXPECT_EQ(file.LoadString(), u"\u00e9?");
+    EXPECT_EQ(file.LoadString(), u"");
+    file.Skip(32000);
     EXPECT_FALSE(file.HitEnd());
     EXPECT_EQ(file.LoadNumeric(), 0);  // at the end of the file
     EXPECT_TRUE(file.HitEnd());

@@ -73,16 +73,3 @@ TEST_F(DamagedProjectFile, HugeCountsEndWithTheData) {
     EXPECT_EQ(items.files->item(1)->item(1)->CountVars(), 2);  // the real one and the one read at the end
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
-
-TEST_F(DamagedProjectFile, AnOverlongStringMisalignsWithoutHarm) {
-    // Texts saved by kestrel itself (no limit when writing): 31,999 units load back
-    // whole, 32,000 load back empty and misalign what follows.
-    for (size_t length : {31999u, 32000u}) {
-        Project writer, reader;
-        writer.files->Add(u"/proj/x.cpp", FILETYPE_NOPARSE)->UserData = std::u16string(length, u'u');
-        ASSERT_TRUE(SaveAs("written.kpr", writer));
-        EXPECT_TRUE(reader.Load(dir / "written.kpr"));
-        ASSERT_GE(reader.files->count(), 1);
-        EXPECT_EQ(reader.files->item(1)->UserData, length < 32000 ? std::u16string(length, u'u') : u"");
-    }
-}

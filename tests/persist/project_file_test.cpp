@@ -71,14 +71,6 @@ TEST_F(ProjectFile, SaveLoadSaveGivesTheSameModelAndTheSameBytes) {
     EXPECT_EQ(Bytes("again.kpr"), Bytes("first.kpr"));
 }
 
-TEST_F(ProjectFile, VersionTenFilesCarryNoParameterText) {
-    ASSERT_TRUE(LoadBytes(ProjectBytes({FileRecord("a.cpp", {ClassRecord("A", {}, {ItemRecord("f", 4, "", false)})})},
-                                       "KESTREL1.0")));
-    ClassPtr a = p.files->item(1)->item(1);
-    ASSERT_EQ(a->CountFunc(), 1);
-    EXPECT_EQ(a->func(u"f")->Line, 4);
-}
-
 TEST(ProjectFileSignature, VersionReadsLikeANumber) {
     const std::pair<std::u16string, int32_t> cases[] = {
         {u"KESTREL1.1", 11}, {u"KESTREL1.0", 10}, {u"KESTREL 2 ", 20},  {u"KESTREL.25", 2},  // 2.5: half to even
@@ -105,12 +97,20 @@ TEST_F(ProjectFile, RefusedFiles) {
     EXPECT_TRUE(p.sink->calls.empty());
 }
 
-TEST_F(ProjectFile, AFileWithoutSignatureStartsWithItsLanguageBelowTheThreshold) {
-    ASSERT_TRUE(LoadBytes(N(-40000) + N(3) + N(1) +
-                          FileRecord("b.bas", {ClassRecord("Globals", {}, {ItemRecord("Main", 2, "", false)})})));
-    EXPECT_EQ(p.host.language, -40000);
-    EXPECT_EQ(p.host.id, 3);
-    EXPECT_EQ(p.files->item(1)->item(1)->func(1)->Name(), u"Main");
+TEST_F(ProjectFile, OlderFilesCarryNoParameterText) {
+    ASSERT_TRUE(LoadBytes(ProjectBytes({FileRecord("a.cpp", {ClassRecord("A", {}, {ItemRecord("f", 4, "", false)})})},
+                                       "KESTREL1.0")));
+    ClassPtr a = p.files->item(1)->item(1);
+    ASSERT_EQ(a->CountFunc(), 1);
+    EXPECT_EQ(a->func(u"f")->Line, 4);
+    // A file without signature starts with its language, below the threshold.
+    Project raw;
+    WriteFileBytes(dir / "raw.kpr", N(-40000) + N(3) + N(1) +
+                                        FileRecord("b.bas", {ClassRecord("Globals", {}, {ItemRecord("Main", 2, "", false)})}));
+    ASSERT_TRUE(raw.Load(dir / "raw.kpr"));
+    EXPECT_EQ(raw.host.language, -40000);
+    EXPECT_EQ(raw.host.id, 3);
+    EXPECT_EQ(raw.files->item(1)->item(1)->func(1)->Name(), u"Main");
 }
 
 TEST_F(ProjectFile, DuplicateEntriesAreRenamedDuplicateFilesDropped) {

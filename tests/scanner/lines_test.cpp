@@ -33,21 +33,17 @@ Lines WithoutComments(Lines lines, int16_t language = LANGUAGE_C) {
 
 }  // namespace
 
-TEST(Loader, LinesEndAtCrLfCrOrLfAndEveryFileEndsWithOneExtraEmptyLine) {
+TEST(Loader, LinesEndAtCrLfCrOrLfInUtf8OrUtf16AndEveryFileEndsWithOneExtraEmptyLine) {
     EXPECT_EQ(ReadAllLines("a\nb"), (Lines{u"a", u"b", u""}));
     EXPECT_EQ(ReadAllLines("a\nb\n"), (Lines{u"a", u"b", u""}));
     EXPECT_EQ(ReadAllLines(""), (Lines{u""}));
     EXPECT_EQ(ReadAllLines("\n"), (Lines{u"", u""}));
     EXPECT_EQ(ReadAllLines("a\r\nb\rc\nd\r\r\ne"), (Lines{u"a", u"b", u"c", u"d", u"", u"e", u""}));
-}
-
-TEST(Loader, DecodesUtf8AndDropsItsByteOrderMark) {
+    // UTF-8 drops its byte-order mark.
     EXPECT_EQ(ReadAllLines("\xEF\xBB\xBFint \xC3\xA4;\n"), (Lines{u"int \u00E4;", u""}));
     // Bytes that are not valid UTF-8 become the code point of their value; NUL stays.
     EXPECT_EQ(ReadAllLines(std::string("a\xFF\xC0\x80z\0b", 7)), (Lines{std::u16string(u"a\u00FF\u00C0\u0080z\0b", 7), u""}));
-}
-
-TEST(Loader, ReadsUtf16InBothByteOrders) {
+    // UTF-16 in both byte orders.
     EXPECT_EQ(ReadAllLines(std::string("\xFF\xFE" "a\0\r\0\n\0\x34\x12", 10)), (Lines{u"a", u"\u1234", u""}));
     EXPECT_EQ(ReadAllLines(std::string("\xFE\xFF\0a\0\n\x12\x34", 8)), (Lines{u"a", u"\u1234", u""}));
     // A final odd byte is one code unit of its own value.
@@ -75,7 +71,7 @@ TEST(CleanLine, CollapsesWhiteSpaceAndDropsLeadingBlanks) {
         EXPECT_EQ(CleanLine(line), cleaned);
 }
 
-TEST(RemoveComments, CutsOneLineAndBlockCommentsInOrder) {
+TEST(RemoveComments, CutsOneLineAndBlockCommentsInOrderAcrossLines) {
     EXPECT_EQ(WithoutComments({u"int a; // note"}), (Lines{u"int a; "}));  // the blank before stays
     EXPECT_EQ(WithoutComments({u"int a; /* x */ int b;"}), (Lines{u"int a;  int b;"}));
     EXPECT_EQ(WithoutComments({u"x = 1; /* a */ // b"}), (Lines{u"x = 1;  "}));
@@ -85,17 +81,13 @@ TEST(RemoveComments, CutsOneLineAndBlockCommentsInOrder) {
     EXPECT_EQ(WithoutComments({u"a/*/b", u"c"}), (Lines{u"ab", u"c"}));
     // Strings are not known here.
     EXPECT_EQ(WithoutComments({u"s = \"http://x\";"}), (Lines{u"s = \"http:"}));
-}
-
-TEST(RemoveComments, ABlockCommentSpansLines) {
+    // Block comments span lines.
     EXPECT_EQ(WithoutComments({u"/* start", u"middle", u"end */ int c;"}), (Lines{u"", u"", u" int c;"}));
     EXPECT_EQ(WithoutComments({u"a /* open", u"", u"still */ b /* again", u"x", u"*/ c // d"}),
               (Lines{u"a ", u"", u" b ", u"", u" c "}));
     // A comment left open empties everything after it.
     EXPECT_EQ(WithoutComments({u"int a; /* never closed", u"int b;"}), (Lines{u"int a; ", u""}));
-}
-
-TEST(RemoveComments, BasicHasOnlyOneLineComments) {
+    // Basic has only one-line comments.
     EXPECT_EQ(WithoutComments({u"x = 1 ' note", u"/* y */ z"}, LANGUAGE_BASIC), (Lines{u"x = 1 ", u"/* y */ z"}));
 }
 

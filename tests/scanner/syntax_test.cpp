@@ -33,7 +33,8 @@ TEST(MakeSyntax, DeclareLevelIsZeroOnlyForCImplementationFiles) {
         EXPECT_EQ(SyntaxOf(language, fileType).DeclareLevel, level) << language << " " << fileType;
 }
 
-TEST(MakeSyntax, BasicAfterCClearsTheCWordsButKeepsTheLowerCaseClassWord) {
+TEST(MakeSyntax, ALaterLanguageReplacesTheWordsOnlyIfListed) {
+    // Basic after C clears the C words but keeps the lower-case class word.
     ScanRecorder file(u"x");
     SyntaxTable t;
     t.MakeSyntax(file, LANGUAGE_C);
@@ -45,11 +46,7 @@ TEST(MakeSyntax, BasicAfterCClearsTheCWordsButKeepsTheLowerCaseClassWord) {
     EXPECT_EQ(t.CharDelim, u"");
     EXPECT_EQ(t.ClassWord, u"class");
     EXPECT_EQ(t.ScopeWords.MiddleWord.Scope, PROTECTED_SCOPE);  // Friend
-}
-
-TEST(MakeSyntax, UnlistedLanguagesKeepThePreviousWordsWithoutIncludeForms) {
-    ScanRecorder file(u"x");
-    SyntaxTable t;
+    // An unlisted language keeps the previous words, without include forms.
     t.MakeSyntax(file, LANGUAGE_JAVA);
     t.MakeSyntax(file, LANGUAGE_JSCRIPT);
     EXPECT_EQ(t.OneLineComment, u"//");
