@@ -74,6 +74,7 @@ TEST(KeyedCollection, PositionsHoldWhileEntriesComeAndGoInTurns) {
     Numbers c;
     std::vector<int> model;
     int next = 1;
+    // Each step ends by comparing every position.
     auto check = [&] {
         ASSERT_EQ(c.Count(), static_cast<int32_t>(model.size()));
         for (size_t i = 0; i < model.size(); ++i) ASSERT_EQ(*c.At(static_cast<int32_t>(i + 1)), model[i]);
@@ -83,6 +84,7 @@ TEST(KeyedCollection, PositionsHoldWhileEntriesComeAndGoInTurns) {
             c.Add(ToText(next), std::make_shared<int>(next));
             model.push_back(next);
         }
+        check();
     };
     auto remove = [&](int count, int stride) {
         for (int k = 0; k < count && !model.empty(); ++k) {
@@ -91,22 +93,17 @@ TEST(KeyedCollection, PositionsHoldWhileEntriesComeAndGoInTurns) {
             ASSERT_FALSE(c.Remove(ToText(model[at])));
             model.erase(model.begin() + static_cast<std::ptrdiff_t>(at));
         }
+        check();
     };
     add(3000);
     remove(400, 7);
     add(500);
-    check();
     remove(2600, 3);  // enough holes to squeeze them out
-    check();
     add(20);
     remove(10, 5);
     add(5);
-    check();
     EXPECT_EQ(*c.Find(ToText(next - 1)), next - 1);
-    while (!model.empty()) {  // "remove position 1 until empty", as a project is closed
-        remove(100, 0);
-        check();
-    }
+    while (!model.empty()) remove(100, 0);  // "remove position 1 until empty", as a project is closed
     EXPECT_EQ(c.begin(), c.end());
     c.Add(u"1", std::make_shared<int>(-1));  // a removed key is free again
     EXPECT_EQ(*c.At(1), -1);
