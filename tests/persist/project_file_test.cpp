@@ -38,13 +38,6 @@ std::string Dump(const clsAllFiles& files) {
 
 }  // namespace
 
-TEST_F(ProjectFile, AnEmptyProjectIsTwentySixBytes) {
-    p.host.language = LANGUAGE_JAVA;
-    p.host.id = 5;
-    ASSERT_TRUE(SaveAs("empty.kpr"));
-    EXPECT_EQ(Bytes("empty.kpr"), S("KESTREL1.1") + N(1) + N(5) + N(0));
-}
-
 TEST_F(ProjectFile, SaveLoadSaveGivesTheSameModelAndTheSameBytes) {
     Project first;
     BuildSample(first);
@@ -166,11 +159,14 @@ TEST_F(ProjectFile, ARepeatedClassEndsThatFileReaderButNotTheLoad) {
     EXPECT_EQ(p.files->item(1)->count(), 1);
 }
 
-TEST_F(ProjectFile, BackupKeepsThePreviousFile) {
+TEST_F(ProjectFile, AnEmptyProjectIsTwentySixBytesAndABackupKeepsThePreviousFile) {
+    p.host.language = LANGUAGE_JAVA;
+    p.host.id = 5;
     p.host.backup = true;
     ASSERT_TRUE(SaveAs("proj.kst"));  // nothing to back up yet
     EXPECT_FALSE(std::filesystem::exists(dir / "proj.kst.bak"));
     const std::string previous = Bytes("proj.kst");
+    EXPECT_EQ(previous, S("KESTREL1.1") + N(1) + N(5) + N(0));
     p.host.id = 99;
     ASSERT_TRUE(p.Save());
     EXPECT_EQ(Bytes("proj.kst.bak"), previous);
