@@ -176,20 +176,18 @@ TEST_F(ClassFixture, SameFunctionWithOtherSpacingOrCaseIsOneRefreshedEntry) {
 }
 
 TEST_F(ClassFixture, FreeFunctionsArePublicButFreeVariablesKeepTheirScope) {
+    auto functionScope = [&](const std::u16string& className, int32_t scope) {
+        auto c = std::make_shared<clsClassObject>();
+        c->Name = className;
+        c->AddFunction__(u"g", 1, scope, sink.get(), file, u"()");
+        return c->func(1)->Scope;
+    };
+    EXPECT_EQ(functionScope(u"Globals", PRIVATE_SCOPE), PUBLIC_SCOPE);
+    EXPECT_EQ(functionScope(u"globals", PRIVATE_SCOPE), PRIVATE_SCOPE);  // the test is case-sensitive
+    EXPECT_EQ(functionScope(u"", PROTECTED_SCOPE), PUBLIC_SCOPE);
     cls->Name = u"Globals";
-    Func(u"f", 1, u"()", PRIVATE_SCOPE);
     Var(u"v", 2, PRIVATE_SCOPE);
-    EXPECT_EQ(cls->func(1)->Scope, PUBLIC_SCOPE);
     EXPECT_EQ(cls->var(1)->Scope, PRIVATE_SCOPE);
-
-    auto lower = std::make_shared<clsClassObject>();
-    lower->Name = u"globals";  // the test is case-sensitive
-    lower->AddFunction__(u"g", 1, PRIVATE_SCOPE, sink.get(), file, u"()");
-    EXPECT_EQ(lower->func(1)->Scope, PRIVATE_SCOPE);
-
-    auto unnamed = std::make_shared<clsClassObject>();
-    unnamed->AddFunction__(u"h", 1, PROTECTED_SCOPE, sink.get(), file, u"()");
-    EXPECT_EQ(unnamed->func(1)->Scope, PUBLIC_SCOPE);
 }
 
 TEST_F(ClassFixture, VariablesAreKeyedByNameWithoutAKeyValue) {
