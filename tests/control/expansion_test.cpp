@@ -38,9 +38,12 @@ protected:
     std::u16string project;
     std::string filled;
     NodeId shapeNode = kNoNode;
+    const std::vector<std::u16string> placeholder{u"[[--Shape"};
 };
 
-TEST_F(Expansion, ALoadedClassWaitsBehindItsPlaceholderAndExpandingFillsItFromEveryFile) {
+TEST_F(Expansion, OnlyExpandingALoadedClassFillsItAndFromEveryFile) {
+    platform.classTree.UserExpand(Node(u"++shapes"));
+    view->tView_Expand(1, shapeNode);  // the file tree's expansions fill nothing
     EXPECT_EQ(Outline(0, true),
               "shapes  [++shapes] 10\n"
               "  Shape  [--Shape] 1\n"
@@ -48,37 +51,22 @@ TEST_F(Expansion, ALoadedClassWaitsBehindItsPlaceholderAndExpandingFillsItFromEv
     platform.classTree.UserExpand(shapeNode);
     EXPECT_EQ(Outline(0, true), filled);
     platform.classTree.UserExpand(shapeNode);  // no placeholder any more
+    platform.classTree.UserExpand(Node(u"``Shape"));
     EXPECT_EQ(Outline(0, true), filled);
     EXPECT_TRUE(errors.reports.empty());
 }
 
-TEST_F(Expansion, ProjectNodeFoldersAndTheFileTreeAreNotFilled) {
-    platform.classTree.UserExpand(Node(u"++shapes"));
-    EXPECT_EQ(platform.classTree.ChildCount(shapeNode), 1);
-    view->tView_Expand(1, shapeNode);  // the file tree's expansions fill nothing
-    EXPECT_EQ(platform.classTree.ChildCount(shapeNode), 1);
-    platform.classTree.UserExpand(shapeNode);
-    const std::string full = Outline();
-    platform.classTree.UserExpand(Node(u"``Shape"));
-    EXPECT_EQ(Outline(), full);
-}
-
-TEST_F(Expansion, ARescanLeavesAnUnopenedClassToItsExpansion) {
-    FilePtr source = view->files()->FindFile(Path("shape.cpp"));
-    ASSERT_TRUE(source);
+TEST_F(Expansion, RescansLeaveAClassFoldedUntilItsExpansion) {
     Write("shape.cpp", std::string(kSource) + "void Shape::Fill() {\n}\n");
-    source->UpdateFile();
-    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
+    view->files()->FindFile(Path("shape.cpp"))->UpdateFile();
+    EXPECT_EQ(ChildKeys(shapeNode), placeholder);
     platform.classTree.UserExpand(shapeNode);
     EXPECT_NE(Node(u"!!Shape::FILL()"), kNoNode);
-}
 
-TEST_F(Expansion, UpdatingAllFilesFoldsEveryClass) {
-    platform.classTree.UserExpand(shapeNode);
+    // Updating all files folds every class; one first seen in that rescan gets real folders at once.
     Write("shape.h", std::string(kHeader) + "class Extra {\n    int n;\n};\n");
     view->files()->UpdateAllFiles();
-    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
-    // A class first seen in the rescan gets real folders at once.
+    EXPECT_EQ(ChildKeys(shapeNode), placeholder);
     EXPECT_EQ(ChildKeys(Node(u"--Extra")), (std::vector<std::u16string>{u"''Extra"}));
 }
 
@@ -92,7 +80,7 @@ TEST_F(Expansion, FilesAddedOrRemovedLaterTakePartInTheFilling) {
     EXPECT_TRUE(view->files()->Remove(Path("more.cpp")));
     EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);
     platform.classTree.UserCollapse(shapeNode);
-    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
+    EXPECT_EQ(ChildKeys(shapeNode), placeholder);
     platform.classTree.UserCollapse(Node(u"++shapes"));  // not a class: left alone
     EXPECT_EQ(platform.classTree.ChildCount(Node(u"++shapes")), 1);
     platform.classTree.UserExpand(shapeNode);

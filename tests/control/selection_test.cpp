@@ -54,7 +54,7 @@ TEST_F(Selection, ClassViewKindsFollowTheKeyMarker) {
     EXPECT_EQ(view->GetSelectedClass(), nullptr);
 }
 
-TEST_F(Selection, FileViewAnswersFilesOnlyForFileNodes) {
+TEST_F(Selection, FileViewAnswersFilesOnlyForFileNodesAndAnUnknownStyleNothing) {
     view->ViewStyle(prvFiles);
     EXPECT_TRUE(platform.fileTree.Visible());
     EXPECT_FALSE(platform.classTree.Visible());
@@ -73,15 +73,14 @@ TEST_F(Selection, FileViewAnswersFilesOnlyForFileNodes) {
     EXPECT_EQ(view->GetSelectedText(), u"Definition");
     platform.fileTree.Select(Node(u"++MYPROJ", 1));
     EXPECT_EQ(view->GetSelectedFile(), nullptr);
-}
 
-TEST_F(Selection, AnUnknownViewStyleKeepsTheTreesAndSelectsNothing) {
-    view->ViewStyle(prvFiles);
+    // A style that is neither keeps the trees as they are and has nothing selected.
     view->ViewStyle(2);
     EXPECT_EQ(view->ViewStyle(), 2);
     EXPECT_TRUE(platform.fileTree.Visible());
     EXPECT_FALSE(platform.classTree.Visible());
     platform.classTree.Select(Node(u"--Shape"));
+    platform.fileTree.Select(Node(Path("shape.h"), 1));
     EXPECT_EQ(view->WhatIsSelected(), ST_UNKNOWN);
     EXPECT_EQ(view->GetSelectedClass(), nullptr);
     EXPECT_EQ(view->GetSelectedFile(), nullptr);

@@ -47,17 +47,4 @@ inline void SendMouse(QTreeWidget* tree, QEvent::Type type, QPoint pos, Qt::Mous
     QApplication::sendEvent(viewport, &event);
 }
 
-// The header of one small class, as an editor's project would hold.
-inline constexpr const char* kShapeHeader =
-    "class Shape {\n"
-    "public:\n"
-    "    Shape();\n"
-    "    double Area();\n"
-    "    void Move(int dx, int dy);\n"
-    "protected:\n"
-    "    int x;\n"
-    "private:\n"
-    "    void Reset();\n"
-    "    int y;\n"
-    "};\n";
 }  // namespace kestrel::test
