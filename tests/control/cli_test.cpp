@@ -30,10 +30,9 @@ TEST_F(Cli, NewThenTreeExpandedOverTheExamples) {
     Outcome tree = Kestrel("tree --expand examples.kpr");
     ASSERT_EQ(tree.status, 0) << tree.err;
     EXPECT_EQ(tree.out, Golden("examples_tree.txt"));
-    Outcome keys = Kestrel("tree examples.kpr --expand --keys");
-    EXPECT_EQ(keys.out, Golden("examples_tree_keys.txt"));
-    Outcome files = Kestrel("tree --files examples.kpr");
-    EXPECT_EQ(files.out, "examples\n  Definition\n    shapes.h\n  Implementation\n    shapes.cpp\n");
+    EXPECT_EQ(Kestrel("tree examples.kpr --expand --keys").out, Golden("examples_tree_keys.txt"));
+    EXPECT_EQ(Kestrel("tree --files examples.kpr").out,
+              "examples\n  Definition\n    shapes.h\n  Implementation\n    shapes.cpp\n");
     // Scanning on several threads or on one writes the same bytes.
     for (const char* jobs : {"1", "3"}) {
         ASSERT_EQ(Kestrel(std::string("new jobs.kpr --jobs ") + jobs + " " + Examples()).status, 0);
@@ -42,8 +41,7 @@ TEST_F(Cli, NewThenTreeExpandedOverTheExamples) {
         EXPECT_EQ(ReadFileBytes(dir / "jobs.kpr"), ReadFileBytes(dir / "examples.kpr")) << jobs;
     }
     // Without --expand every class waits behind its placeholder.
-    Outcome closed = Kestrel("tree examples.kpr");
-    EXPECT_NE(closed.out.find("  Shape\n    |\n"), std::string::npos) << closed.out;
+    EXPECT_NE(Kestrel("tree examples.kpr").out.find("  Shape\n    |\n"), std::string::npos);
 }
 
 TEST_F(Cli, TypesComeFromExtensionsOrFromTypeOptions) {
@@ -81,8 +79,7 @@ TEST_F(Cli, AddRemoveUpdateWhereAndFind) {
     EXPECT_EQ(where.out, "A::Run() line 1\n");
     EXPECT_EQ(Kestrel("where p.kpr a.h 1").status, 1);
 
-    Outcome found = Kestrel("find p.kpr --class a --type def");
-    EXPECT_EQ(found.out, "A\t" + (dir / "a.h").string() + "\n");
+    EXPECT_EQ(Kestrel("find p.kpr --class a --type def").out, "A\t" + (dir / "a.h").string() + "\n");
     EXPECT_EQ(Kestrel("find p.kpr --function Run").out, "Run\t" + (dir / "a.cpp").string() + "\tline 1\n");
     EXPECT_EQ(Kestrel("find p.kpr --function run").status, 1);
 
@@ -91,8 +88,7 @@ TEST_F(Cli, AddRemoveUpdateWhereAndFind) {
     EXPECT_EQ(Kestrel("where p.kpr a.cpp 4").out, "A::Stop() line 3\n");
 
     ASSERT_EQ(Kestrel("remove p.kpr a.cpp").status, 0);
-    Outcome tree = Kestrel("tree --expand p.kpr");
-    EXPECT_EQ(tree.out, "p\n  A\n    Functions\n      Run()\n");
+    EXPECT_EQ(Kestrel("tree --expand p.kpr").out, "p\n  A\n    Functions\n      Run()\n");
 }
 
 TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {

@@ -1,10 +1,9 @@
 // The Qt widget driven as a user and a host would: files added, nodes expanded and
 // collapsed with the tree's own expansion, clicks, keys and mouse moves delivered to
-// the tree, properties stored and read back, entries loaded by the Qt timer.
+// the tree, properties stored and read back. kestrel-view's tests run the Qt timer.
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
 #include <QToolTip>
 
 #include "common/constants.h"
@@ -195,36 +194,6 @@ private slots:
         QCOMPARE(changes.at(0).at(0).toString(), QString("ViewStyle"));
         view_->setProperty("ViewStyle", kestrel::prvClasses);
         QCOMPARE(visible(), qMakePair(true, false));
-    }
-
-    void timedLoadingFillsTheTreeInPortionsAsTheTimerRuns() {
-        QByteArray big = "class Big {\npublic:\n";
-        for (int i = 1; i <= 45; ++i) big += QByteArray("    void f") + QByteArray::number(i).rightJustified(2, '0') + "();\n";
-        big += "};\n";
-        const QString project = dir_.filePath("big.kpr");
-        view_->control().NewProject(project.toStdU16String(), kestrel::LANGUAGE_C, 7);
-        view_->files()->Add(WriteSource(dir_, "big.h", big).toStdU16String(), kestrel::FILETYPE_DEFINITION);
-        QVERIFY(view_->control().Save());
-
-        auto loaded = std::make_unique<TreeViewWidget>();
-        loaded->setAsyncLoad(true);
-        QVERIFY(loaded->control().Load(project.toStdU16String()));
-        QVERIFY(loaded->loadTimer().isActive());
-        QTreeWidget* tree = loaded->tree(0);
-        QTreeWidgetItem* bigNode = FindItem(tree, "Big");
-        QVERIFY(bigNode);
-        // Expanding while the loader runs queues the entries instead of adding them.
-        tree->expandItem(bigNode);
-        QCOMPARE(bigNode->childCount(), 0);
-
-        QList<int> portions;
-        connect(&loaded->loadTimer(), &QTimer::timeout, [&] {
-            QTreeWidgetItem* folder = FindItem(tree, "Functions");
-            portions << (folder ? folder->childCount() : 0);
-        });
-        QTRY_VERIFY_WITH_TIMEOUT(!loaded->loadTimer().isActive(), 5000);
-        QCOMPARE(portions, (QList<int>{20, 40, 45}));
-        QCOMPARE(ChildTexts(FindItem(tree, "Functions")).first(), QString("f01()"));
     }
 
     void propertiesRoundTripThroughAMapAndASettingsGroupAndDefaultsAreNotStored() {
