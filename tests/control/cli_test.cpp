@@ -58,11 +58,8 @@ TEST_F(Cli, TypesComeFromExtensionsOrFromTypeOptions) {
     std::string line, files;
     while (std::getline(lines, line))
         if (line.rfind("file ", 0) == 0 || line.rfind("project ", 0) == 0) files += line.substr(0, line.find(" classes")) + "\n";
-    EXPECT_EQ(files,
-              "project language 0 id 5 files 3\n"
-              "file \"src/a.h\" type 2\n"
-              "file \"src/b.cpp\" type 1\n"
-              "file \"src/notes.txt\" type 3\n");
+    EXPECT_EQ(files, "project language 0 id 5 files 3\nfile \"src/a.h\" type 2\nfile \"src/b.cpp\" type 1\n"
+                     "file \"src/notes.txt\" type 3\n");
 }
 
 TEST_F(Cli, AddRemoveUpdateWhereAndFind) {
@@ -93,12 +90,11 @@ TEST_F(Cli, AddRemoveUpdateWhereAndFind) {
 
 TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {
     std::ofstream(dir / "bad.kpr") << "not a project";
-    struct Case {
+    const struct {
         std::string args;
         int status;
         std::string message;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"tree missing.kpr", 1, "kestrel: missing.kpr: No such file or directory\n"},
         {"dump bad.kpr", 1, "kestrel: bad.kpr: not a kestrel project file (wrong signature)\n"},
         {"new nowhere/p.kpr", 1, "kestrel: " + (dir / "nowhere/p.kpr").string() +
@@ -112,7 +108,7 @@ TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {
         {"new p.kpr --jobs 0", 2, "kestrel new: --jobs needs a number of at least 1 (kestrel new --help shows the usage)\n"},
         {"remove bad.kpr a.cpp", 1, "kestrel: bad.kpr: not a kestrel project file (wrong signature)\n"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         Outcome run = Kestrel(c.args);
         EXPECT_EQ(run.status, c.status) << c.args;
         EXPECT_EQ(run.err, c.message) << c.args;

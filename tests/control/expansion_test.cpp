@@ -4,38 +4,25 @@
 namespace kestrel::test {
 namespace {
 
-constexpr const char* kHeader =
-    "class Shape {\n"
-    "public:\n"
-    "    int Area(int scale);\n"
-    "private:\n"
-    "    int width;\n"
-    "};\n";
-constexpr const char* kSource =
-    "int Shape::Area(int scale) {\n"
-    "    return scale;\n"
-    "}\n"
-    "void Shape::Draw() {\n"
-    "}\n";
+constexpr const char* kHeader = "class Shape {\npublic:\n    int Area(int scale);\nprivate:\n    int width;\n};\n";
+constexpr const char* kSource = "int Shape::Area(int scale) {\n    return scale;\n}\nvoid Shape::Draw() {\n}\n";
 
 // A project with a header and its implementation, saved and loaded back, so that its
 // class node holds the placeholder.
 class Expansion : public ControlTest {
 protected:
     void SetUp() override {
-        project = Path("shapes.kpr");
-        view->NewProject(project, LANGUAGE_C, 0);
+        view->NewProject(Path("shapes.kpr"), LANGUAGE_C, 0);
         view->files()->Add(Write("shape.h", kHeader), FILETYPE_DEFINITION);
         view->files()->Add(Write("shape.cpp", kSource), FILETYPE_IMPLEMENTATION);
         filled = Outline(0, true);
         ASSERT_TRUE(view->Save());
         view->CloseProject();
-        ASSERT_TRUE(view->Load(project));
+        ASSERT_TRUE(view->Load(Path("shapes.kpr")));
         shapeNode = Node(u"--Shape");
         ASSERT_NE(shapeNode, kNoNode);
     }
 
-    std::u16string project;
     std::string filled;
     NodeId shapeNode = kNoNode;
     const std::vector<std::u16string> placeholder{u"[[--Shape"};

@@ -20,13 +20,11 @@ std::string Abs(const char* stored, const char* dir, PathStyle s) {
 }  // namespace
 
 TEST(Paths, StoredNamesResolveBackToTheFullName) {
-    struct Case {
-        const char* full;
-        const char* dir;
+    const struct {
+        const char *full, *dir;
         PathStyle style;
         const char* stored;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"C:\\work\\proj\\src\\a.cpp", "C:\\work\\proj\\", W, "src\\a.cpp"},
         {"C:\\work\\proj\\a.cpp", "C:\\work\\proj\\", W, "a.cpp"},
         {"C:\\work\\lib\\b.h", "C:\\work\\proj\\", W, "..\\lib\\b.h"},
@@ -44,7 +42,7 @@ TEST(Paths, StoredNamesResolveBackToTheFullName) {
         {"/t/s/x.h", "/t/src/", P, "../s/x.h"},
         {"/work/a.cpp", "", P, "/work/a.cpp"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(Rel(c.full, c.dir, c.style), c.stored) << c.full << " in " << c.dir;
         EXPECT_EQ(Abs(c.stored, c.dir, c.style), c.full) << c.stored << " in " << c.dir;
     }

@@ -7,7 +7,6 @@
 #include <QMouseEvent>
 #include <QTemporaryDir>
 #include <QTreeWidget>
-#include <QTreeWidgetItemIterator>
 
 namespace kestrel::test {
 
@@ -21,10 +20,8 @@ inline QString WriteSource(const QTemporaryDir& dir, const QString& name, const 
 
 // The first item, in tree order, whose text is exactly `text`.
 inline QTreeWidgetItem* FindItem(QTreeWidget* tree, const QString& text) {
-    for (QTreeWidgetItemIterator it(tree); *it; ++it) {
-        if ((*it)->text(0) == text) return *it;
-    }
-    return nullptr;
+    const QList<QTreeWidgetItem*> found = tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive);
+    return found.isEmpty() ? nullptr : found.first();
 }
 
 inline QStringList ChildTexts(const QTreeWidgetItem* item) {
