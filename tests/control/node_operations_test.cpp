@@ -1,4 +1,6 @@
-// How the model's changes show in the trees: keys, texts, images, tags and order.
+// How the model's changes show in the trees: keys, texts, images, tags and order, and
+// entries added by the load timer in portions of 20.
+#include "control/timed_load.h"
 #include "control_fixture.h"
 
 namespace kestrel::test {
@@ -7,6 +9,10 @@ namespace {
 class NodeOperations : public ControlTest {
 protected:
     void SetUp() override { view->NewProject(u"/work/proj/demo.kpr", LANGUAGE_C, 7); }
+    void Queue(int n) {
+        for (int i = 0; i < n; ++i) view->AddFunction__(MakeFunction(u"f" + ToText(i), u"()"), c, source);
+    }
+    int Shown() { return platform.classTree.ChildCount(Node(u"``C")); }
 
     FilePtr header = MakeFile(u"/work/proj/a.h", FILETYPE_DEFINITION);
     FilePtr source = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
@@ -119,6 +125,65 @@ TEST_F(NodeOperations, AFunctionWithoutClassIsNotShown) {
     view->SetCurrentClass(c, source);
     view->AddFunction__(MakeFunction(u"f", u"()"), nullptr, source);
     EXPECT_EQ(Outline(), "demo\n  C\n    Functions\n");
+}
+
+using TimedLoading = NodeOperations;
+
+TEST_F(TimedLoading, FortyFiveRequestsTakeThreeTicks) {
+    view->SetCurrentClass(c, source);
+    view->TimedLoad().Enabled(true);
+    Queue(45);
+    // The first tick comes after 500 ms, the others every 50; the third finds the end.
+    const struct { int ms, ticks, shown; } steps[] = {{0, 0, 0}, {499, 0, 0}, {1, 1, 20}, {50, 1, 40}, {50, 1, 45}};
+    for (const auto& step : steps) {
+        EXPECT_EQ(platform.timer.Advance(step.ms), step.ticks);
+        EXPECT_EQ(Shown(), step.shown);
+    }
+    EXPECT_EQ(platform.timer.Interval(), 50);
+    EXPECT_FALSE(view->TimedLoad().Enabled());
+    EXPECT_EQ(view->TimedLoad().Pending(), 0);
+    view->AddFunction__(MakeFunction(u"late", u"()"), c, source);  // off again: added at once
+    EXPECT_EQ(Shown(), 46);
+}
+
+TEST_F(TimedLoading, SwitchingOnAgainOrANewProjectDropsWhatWasQueued) {
+    view->SetCurrentClass(c, source);
+    view->TimedLoad().Enabled(true);
+    Queue(3);
+    view->TimedLoad().Enabled(true);
+    EXPECT_EQ(view->TimedLoad().Pending(), 0);
+    EXPECT_EQ(platform.timer.Drain(), 1);  // the empty queue is switched off by its first tick
+    EXPECT_EQ(Shown(), 0);
+
+    view->TimedLoad().Enabled(true);
+    Queue(5);
+    view->NewProject(u"/p/other.kpr", LANGUAGE_C, 0);
+    EXPECT_FALSE(platform.timer.Enabled());
+    EXPECT_EQ(view->TimedLoad().Pending(), 0);
+    EXPECT_EQ(platform.timer.Drain(), 0);
+    EXPECT_EQ(Outline(), "");
+}
+
+TEST_F(TimedLoading, RequestsAreHandledInArrivalOrder) {
+    view->TimedLoad().Enabled(true);
+    view->AddFunction__(MakeFunction(u"Run", u"()"), c, source);
+    view->AddVariable__(MakeVariable(u"count", u"int"), c, source);
+    EXPECT_EQ(Node(u"--C"), kNoNode);
+    platform.timer.Drain();
+    // The class node keeps its folders in the order they were made.
+    EXPECT_EQ(ChildKeys(Node(u"--C")), (std::vector<std::u16string>{u"``C", u"''C"}));
+}
+
+TEST_F(TimedLoading, APlatformWithoutTimerAddsEverythingAtOnce) {
+    MemoryPlatform bare;
+    Platform parts = bare.Get();
+    parts.loadTimer = nullptr;
+    auto control = TreeView::Create(parts);
+    control->NewProject(u"/p/demo.kpr", LANGUAGE_C, 0);
+    control->TimedLoad().Enabled(true);
+    control->AddFunction__(MakeFunction(u"Run", u"()"), c, source);
+    EXPECT_NE(bare.classTree.Find(u"!!C::RUN()"), kNoNode);
+    EXPECT_TRUE(errors.reports.empty());
 }
 
 }  // namespace
