@@ -90,11 +90,7 @@ TEST_F(Cli, AddRemoveUpdateWhereAndFind) {
 
 TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {
     std::ofstream(dir / "bad.kpr") << "not a project";
-    const struct {
-        std::string args;
-        int status;
-        std::string message;
-    } cases[] = {
+    const struct { std::string args; int status; std::string message; } cases[] = {
         {"tree missing.kpr", 1, "kestrel: missing.kpr: No such file or directory\n"},
         {"dump bad.kpr", 1, "kestrel: bad.kpr: not a kestrel project file (wrong signature)\n"},
         {"new nowhere/p.kpr", 1, "kestrel: " + (dir / "nowhere/p.kpr").string() +

@@ -86,8 +86,7 @@ TEST_F(Expansion, FormFilesAreSkippedWhenFilling) {
     // A form is never scanned, but a project file may say a scanned file is one.
     view->files()->FindFile(Path("shape.h"))->FileType(FILETYPE_FORM);
     platform.classTree.UserExpand(shapeNode);
-    EXPECT_EQ(Outline(),
-              "shapes\n  Shape\n    Functions\n      Area(int scale)\n      Draw()\n");
+    EXPECT_EQ(Outline(), "shapes\n  Shape\n    Functions\n      Area(int scale)\n      Draw()\n");
     view->files()->FindFile(Path("shape.cpp"))->FileType(FILETYPE_NOPARSE);
     platform.classTree.UserCollapse(shapeNode);
     platform.classTree.UserExpand(shapeNode);

@@ -20,11 +20,7 @@ std::string Abs(const char* stored, const char* dir, PathStyle s) {
 }  // namespace
 
 TEST(Paths, StoredNamesResolveBackToTheFullName) {
-    const struct {
-        const char *full, *dir;
-        PathStyle style;
-        const char* stored;
-    } cases[] = {
+    const struct { const char *full, *dir; PathStyle style; const char* stored; } cases[] = {
         {"C:\\work\\proj\\src\\a.cpp", "C:\\work\\proj\\", W, "src\\a.cpp"},
         {"C:\\work\\proj\\a.cpp", "C:\\work\\proj\\", W, "a.cpp"},
         {"C:\\work\\lib\\b.h", "C:\\work\\proj\\", W, "..\\lib\\b.h"},

@@ -13,8 +13,8 @@ TEST_F(Scenario, NewAddQueryEditSaveCloseLoadInTheBackgroundAndExpand) {
     const std::u16string project = Path("editor.kpr");
     view->NewProject(project, LANGUAGE_C, 12);
     AllFilesPtr files = view->files();
-    ASSERT_TRUE(files->Add(Write("view.h", "class CView {\npublic:\n    void Draw(int mode);\nprotected:\n    int m_width;\n};\n"),
-                           FILETYPE_DEFINITION));
+    Write("view.h", "class CView {\npublic:\n    void Draw(int mode);\nprotected:\n    int m_width;\n};\n");
+    ASSERT_TRUE(files->Add(Path("view.h"), FILETYPE_DEFINITION));
     FilePtr source = files->Add(Write("view.cpp", "void CView::Draw(int mode)\n{\n}\nint helper(void)\n{\n    return 0;\n}\n"),
                                 FILETYPE_IMPLEMENTATION);
     ASSERT_TRUE(source);

@@ -18,11 +18,7 @@ protected:
 
 TEST_F(Selection, ClassViewKindsFollowTheKeyMarker) {
     platform.classTree.AddLastChild(Node(u"++MYPROJ"), u"xx", u"odd", 0);  // a key without a known marker
-    const struct {
-        std::u16string key;
-        int32_t kind;
-        std::u16string className, text;
-    } cases[] = {
+    const struct { std::u16string key; int32_t kind; std::u16string className, text; } cases[] = {
         {u"", ST_UNKNOWN, u"", u""},
         {u"++MYPROJ", ST_PROJECT, u"", u"MYPROJ"},
         {u"--Shape", ST_CLASS, u"Shape", u"Shape"},

@@ -26,10 +26,7 @@ private:
     QTemporaryDir dir_;
     QString examples_;
 
-    struct Run {
-        int exitCode;
-        QByteArray out, err;
-    };
+    struct Run { int exitCode; QByteArray out, err; };
     static Run RunView(const QStringList& arguments) {
         QProcess program;
         program.start(QStringLiteral(KESTREL_VIEW_PROGRAM), arguments);

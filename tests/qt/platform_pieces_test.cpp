@@ -37,14 +37,11 @@ private slots:
     }
 
     void keysModifiersAndButtonsBecomeTheEventsCodes() {
-        const struct {
-            int key;
-            Qt::KeyboardModifiers modifiers;
-            int code;
-        } keys[] = {{Qt::Key_Q, {}, 81},      {Qt::Key_7, {}, 55},      {Qt::Key_7, Qt::KeypadModifier, 103},
-                    {Qt::Key_Return, {}, 13}, {Qt::Key_Escape, {}, 27}, {Qt::Key_Right, {}, 39},
-                    {Qt::Key_Delete, {}, 46}, {Qt::Key_F1, {}, 112},    {Qt::Key_F12, {}, 123},
-                    {Qt::Key_Semicolon, {}, 186}, {Qt::Key_MediaPlay, {}, 0}};  // the last has no code
+        const struct { int key; Qt::KeyboardModifiers modifiers; int code; } keys[] = {
+            {Qt::Key_Q, {}, 81},      {Qt::Key_7, {}, 55},      {Qt::Key_7, Qt::KeypadModifier, 103},
+            {Qt::Key_Return, {}, 13}, {Qt::Key_Escape, {}, 27}, {Qt::Key_Right, {}, 39},
+            {Qt::Key_Delete, {}, 46}, {Qt::Key_F1, {}, 112},    {Qt::Key_F12, {}, 123},
+            {Qt::Key_Semicolon, {}, 186}, {Qt::Key_MediaPlay, {}, 0}};  // the last has no code
         for (const auto& k : keys) {
             QCOMPARE(int(kestrel::qt::KeyCodeOf(QKeyEvent(QEvent::KeyPress, k.key, k.modifiers))), k.code);
         }
