@@ -23,7 +23,7 @@ struct MemoryTreeTest : ::testing::Test {
     NodeId root = t.AddRoot(u"r", u"root", 10);
 };
 
-TEST_F(MemoryTreeTest, UnsortedChildrenGoWhereTheyAreAskedAndRemovingTakesTheSubtree) {
+TEST_F(MemoryTreeTest, UnsortedChildrenGoWhereAskedRowsAreHitAndRemovingTakesTheSubtree) {
     NodeId c = t.AddLastChild(root, u"c", u"c", 1);
     t.AddBefore(c, u"b", u"b", 1);
     NodeId a = t.AddLastChild(root, u"a", u"a", 1);
@@ -31,6 +31,15 @@ TEST_F(MemoryTreeTest, UnsortedChildrenGoWhereTheyAreAskedAndRemovingTakesTheSub
     EXPECT_EQ(t.Parent(c), root);
     EXPECT_EQ(t.Parent(root), kNoNode);
     EXPECT_EQ(t.FirstChild(kNoNode), root);
+    // A hit finds the visible row under the point.
+    const int row = MemoryTree::kRowHeight;
+    EXPECT_EQ(t.HitTest(0, 1), root);
+    EXPECT_EQ(t.HitTest(0, row + 1), kNoNode);  // children hidden
+    t.SetExpanded(root, true);
+    EXPECT_EQ(t.HitTest(0, row * 3 + 1), a);
+    EXPECT_EQ(t.RowTop(c), row * 2);
+    EXPECT_EQ(t.HitTest(0, row * 4 + 1), kNoNode);
+    EXPECT_EQ(t.HitTest(0, -1), kNoNode);
 
     // The subtree's keys and the selection in it go with the node.
     NodeId leaf = t.AddLastChild(a, u"l", u"l", 0);
@@ -73,19 +82,6 @@ TEST_F(MemoryTreeTest, KeysAreExactAndUniqueAndAMissIsNoNode) {
     EXPECT_EQ(t.Find(u"r"), kNoNode);
     EXPECT_EQ(t.Find(u"other"), root);
     EXPECT_THROW(t.Text(root + 100), RuntimeError);
-}
-
-TEST_F(MemoryTreeTest, HitTestFindsTheVisibleRowUnderThePoint) {
-    NodeId a = t.AddLastChild(root, u"a", u"a", 0);
-    NodeId b = t.AddLastChild(root, u"b", u"b", 0);
-    const int row = MemoryTree::kRowHeight;
-    EXPECT_EQ(t.HitTest(0, 1), root);
-    EXPECT_EQ(t.HitTest(0, row + 1), kNoNode);  // children hidden
-    t.SetExpanded(root, true);
-    EXPECT_EQ(t.HitTest(0, row * 2 + 1), b);
-    EXPECT_EQ(t.RowTop(a), row);
-    EXPECT_EQ(t.HitTest(0, row * 3 + 1), kNoNode);
-    EXPECT_EQ(t.HitTest(0, -1), kNoNode);
 }
 
 }  // namespace

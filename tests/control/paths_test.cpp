@@ -60,7 +60,6 @@ TEST(Paths, FileNameAndDirectoryParts) {
     EXPECT_EQ(ToUtf8(ExtractPath__(u"noslash.txt", W)), "");
     EXPECT_EQ(ToUtf8(ExtractFilename__(u"C:\\p\\my.proj.kpr", 1, W)), "my");
     EXPECT_EQ(ToUtf8(ExtractFilename__(u"C:\\p\\my.proj.kpr", 0, W)), "my.proj.kpr");
-    EXPECT_EQ(ToUtf8(ExtractFilename__(u"/p/my.proj.kpr", 1, P)), "my");
     EXPECT_EQ(ToUtf8(ExtractPath__(u"/p/q/my.kpr", P)), "/p/q/");
     // Each style knows only its own separator.
     EXPECT_EQ(ToUtf8(ExtractFilename__(u"/p/q.h", 0, W)), "/p/q.h");
