@@ -37,8 +37,8 @@ protected:
     void SetUp() override {
         view->SetEventListener(&host);
         view->NewProject(u"/p/demo.kpr", LANGUAGE_C, 0);
-        FilePtr file = MakeFile(u"/p/a.h", FILETYPE_DEFINITION);
-        view->AddFunction__(MakeFunction(u"Run", u"()", PUBLIC_SCOPE, u"runs it"), MakeClass(u"C"), file);
+        view->AddFunction__(MakeFunction(u"Run", u"()", PUBLIC_SCOPE, u"runs it"), MakeClass(u"C"),
+                            MakeFile(u"/p/a.h", FILETYPE_DEFINITION));
         for (NodeId n : {Node(u"++demo"), Node(u"--C"), Node(u"``C")}) platform.classTree.SetExpanded(n, true);
         runRow = platform.classTree.RowTop(Node(u"!!C::RUN()")) + 1;
         ASSERT_GT(runRow, 0);

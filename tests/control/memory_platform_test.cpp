@@ -23,7 +23,7 @@ struct MemoryTreeTest : ::testing::Test {
     NodeId root = t.AddRoot(u"r", u"root", 10);
 };
 
-TEST_F(MemoryTreeTest, UnsortedChildrenGoWhereAskedRowsAreHitAndRemovingTakesTheSubtree) {
+TEST_F(MemoryTreeTest, ChildrenGoWhereAskedKeysAreUniqueRowsAreHitAndRemovingTakesTheSubtree) {
     NodeId c = t.AddLastChild(root, u"c", u"c", 1);
     t.AddBefore(c, u"b", u"b", 1);
     NodeId a = t.AddLastChild(root, u"a", u"a", 1);
@@ -31,6 +31,13 @@ TEST_F(MemoryTreeTest, UnsortedChildrenGoWhereAskedRowsAreHitAndRemovingTakesThe
     EXPECT_EQ(t.Parent(c), root);
     EXPECT_EQ(t.Parent(root), kNoNode);
     EXPECT_EQ(t.FirstChild(kNoNode), root);
+    // Keys are exact and unique, and a miss is no node.
+    EXPECT_EQ(t.Find(u"C"), kNoNode);
+    EXPECT_THROW(t.AddRoot(u"c", u"x", 0), RuntimeError);
+    EXPECT_THROW(t.Text(root + 100), RuntimeError);
+    t.SetKey(c, u"other");
+    EXPECT_EQ(t.Find(u"c"), kNoNode);
+    EXPECT_EQ(t.Find(u"other"), c);
     // A hit finds the visible row under the point.
     const int row = MemoryTree::kRowHeight;
     EXPECT_EQ(t.HitTest(0, 1), root);
@@ -72,16 +79,6 @@ TEST_F(MemoryTreeTest, SortedChildrenIgnoreCaseAndKeepEqualTextsInInsertionOrder
     t.SetSortedChildren(root, false);
     t.AddBefore(t.FirstChild(root), u"6", u"zz", 1);
     EXPECT_EQ(Texts().front(), u"zz");
-}
-
-TEST_F(MemoryTreeTest, KeysAreExactAndUniqueAndAMissIsNoNode) {
-    EXPECT_EQ(t.Find(u"r"), root);
-    EXPECT_EQ(t.Find(u"R"), kNoNode);
-    EXPECT_THROW(t.AddRoot(u"r", u"x", 0), RuntimeError);
-    t.SetKey(root, u"other");
-    EXPECT_EQ(t.Find(u"r"), kNoNode);
-    EXPECT_EQ(t.Find(u"other"), root);
-    EXPECT_THROW(t.Text(root + 100), RuntimeError);
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 // What the host learns about the selected node in either view.
-#include <unistd.h>
-
 #include "control_fixture.h"
 
 namespace kestrel::test {
@@ -84,11 +82,10 @@ TEST_F(Selection, ProjectNameIsCapitalisedAndCutAtItsFirstDot) {
 TEST_F(Selection, LoadingABareNameUsesTheCurrentDirectory) {
     ASSERT_TRUE(view->Save());
     view->CloseProject();
-    char before[4096];
-    ASSERT_NE(::getcwd(before, sizeof before), nullptr);
-    ASSERT_EQ(::chdir(dir.c_str()), 0);
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(dir);
     const bool loaded = view->Load(u"MYPROJ.kpr");
-    ASSERT_EQ(::chdir(before), 0);
+    std::filesystem::current_path(before);
     EXPECT_TRUE(loaded);
     EXPECT_EQ(view->FileName(), FromUtf8(std::filesystem::canonical(dir).string()) + u"/MYPROJ.kpr");
     EXPECT_EQ(view->GetProjectName(), u"Myproj");
