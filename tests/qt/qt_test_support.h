@@ -37,11 +37,9 @@ inline QPoint CenterOf(QTreeWidget* tree, QTreeWidgetItem* item) {
     return tree->visualItemRect(item).center();
 }
 
-inline void SendMouse(QTreeWidget* tree, QEvent::Type type, QPoint pos, Qt::MouseButton button = Qt::NoButton,
-                      Qt::MouseButtons held = Qt::NoButton) {
-    QWidget* viewport = tree->viewport();
-    QMouseEvent event(type, pos, viewport->mapToGlobal(pos), button, held, Qt::NoModifier);
-    QApplication::sendEvent(viewport, &event);
+inline void MoveMouse(QTreeWidget* tree, QPoint pos, Qt::MouseButtons held = Qt::NoButton) {
+    QMouseEvent event(QEvent::MouseMove, pos, tree->viewport()->mapToGlobal(pos), Qt::NoButton, held, Qt::NoModifier);
+    QApplication::sendEvent(tree->viewport(), &event);
 }
 
 }  // namespace kestrel::test

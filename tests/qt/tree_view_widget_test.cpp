@@ -163,8 +163,8 @@ private slots:
         connect(view_.get(), &TreeViewWidget::MouseMove, [&] { ++moves; });
 
         const QPoint onArea = CenterOf(ClassTree(), area);
-        SendMouse(ClassTree(), QEvent::MouseMove, onArea);
-        SendMouse(ClassTree(), QEvent::MouseMove, onArea + QPoint(3, 1));
+        MoveMouse(ClassTree(), onArea);
+        MoveMouse(ClassTree(), onArea + QPoint(3, 1));
         QCOMPARE(tips.count(), 1);
         QCOMPARE(tips.at(0).at(0).toString(), QString("the area in square units"));
         // Resting there shows the tree's tool tip.
@@ -174,9 +174,9 @@ private slots:
 
         // With a button held the tip stays as it is.
         const QPoint below(10, ClassTree()->viewport()->height() - 2);
-        SendMouse(ClassTree(), QEvent::MouseMove, below, Qt::NoButton, Qt::LeftButton);
+        MoveMouse(ClassTree(), below, Qt::LeftButton);
         QCOMPARE(tips.count(), 1);
-        SendMouse(ClassTree(), QEvent::MouseMove, below);
+        MoveMouse(ClassTree(), below);
         QCOMPARE(tips.count(), 2);
         QCOMPARE(tips.at(1).at(0).toString(), QString());
         QCOMPARE(moves, 4);
