@@ -83,6 +83,8 @@ public:
 
     // `present` holds at least the units of L.
     void ScanLine(std::u16string& L, int32_t i, const UnitSet& present);
+    // Only a class pushed onto a full stack raises inside ScanLine.
+    bool MayRaise() const { return stack_.Full(); }
 
 private:
     bool AtDeclarationLevel() const { return depth_ == stack_.Level() + 1; }
@@ -224,11 +226,18 @@ void TakeLevelsOut(std::vector<std::u16string>& lines, int32_t lineCount, const 
     const UnitSet anything = UnitSet::Anything();
     std::u16string L;
     // A run-time error ends the pass; the line being worked on keeps its earlier text.
+    // Lines are worked on in place while no error can come; a copy is taken only once
+    // the class stack is full.
     Trap(kModule, "Sub TakeLevelsOut", [&] {
         for (int32_t i = 1; i <= lineCount; ++i) {
             std::u16string& stored = lines.at(static_cast<size_t>(i));
+            const UnitSet& units = present ? (*present)[static_cast<size_t>(i)] : anything;
+            if (!scanner.MayRaise()) {
+                scanner.ScanLine(stored, i, units);
+                continue;
+            }
             L.assign(stored);
-            scanner.ScanLine(L, i, present ? (*present)[static_cast<size_t>(i)] : anything);
+            scanner.ScanLine(L, i, units);
             stored.assign(L);  // never longer than before, so no allocation
         }
     });
