@@ -30,10 +30,9 @@ TEST_F(Cli, NewThenTreeExpandedOverTheExamples) {
     Outcome tree = Kestrel("tree --expand examples.kpr");
     ASSERT_EQ(tree.status, 0) << tree.err;
     EXPECT_EQ(tree.out, Golden("examples_tree.txt"));
-    Outcome keys = Kestrel("tree examples.kpr --expand --keys");
-    EXPECT_EQ(keys.out, Golden("examples_tree_keys.txt"));
-    Outcome files = Kestrel("tree --files examples.kpr");
-    EXPECT_EQ(files.out, "examples\n  Definition\n    shapes.h\n  Implementation\n    shapes.cpp\n");
+    EXPECT_EQ(Kestrel("tree examples.kpr --expand --keys").out, Golden("examples_tree_keys.txt"));
+    EXPECT_EQ(Kestrel("tree --files examples.kpr").out,
+              "examples\n  Definition\n    shapes.h\n  Implementation\n    shapes.cpp\n");
     // Scanning on several threads or on one writes the same bytes.
     for (const char* jobs : {"1", "3"}) {
         ASSERT_EQ(Kestrel(std::string("new jobs.kpr --jobs ") + jobs + " " + Examples()).status, 0);
@@ -42,8 +41,7 @@ TEST_F(Cli, NewThenTreeExpandedOverTheExamples) {
         EXPECT_EQ(ReadFileBytes(dir / "jobs.kpr"), ReadFileBytes(dir / "examples.kpr")) << jobs;
     }
     // Without --expand every class waits behind its placeholder.
-    Outcome closed = Kestrel("tree examples.kpr");
-    EXPECT_NE(closed.out.find("  Shape\n    |\n"), std::string::npos) << closed.out;
+    EXPECT_NE(Kestrel("tree examples.kpr").out.find("  Shape\n    |\n"), std::string::npos);
 }
 
 TEST_F(Cli, TypesComeFromExtensionsOrFromTypeOptions) {
@@ -60,11 +58,8 @@ TEST_F(Cli, TypesComeFromExtensionsOrFromTypeOptions) {
     std::string line, files;
     while (std::getline(lines, line))
         if (line.rfind("file ", 0) == 0 || line.rfind("project ", 0) == 0) files += line.substr(0, line.find(" classes")) + "\n";
-    EXPECT_EQ(files,
-              "project language 0 id 5 files 3\n"
-              "file \"src/a.h\" type 2\n"
-              "file \"src/b.cpp\" type 1\n"
-              "file \"src/notes.txt\" type 3\n");
+    EXPECT_EQ(files, "project language 0 id 5 files 3\nfile \"src/a.h\" type 2\nfile \"src/b.cpp\" type 1\n"
+                     "file \"src/notes.txt\" type 3\n");
 }
 
 TEST_F(Cli, AddRemoveUpdateWhereAndFind) {
@@ -81,8 +76,7 @@ TEST_F(Cli, AddRemoveUpdateWhereAndFind) {
     EXPECT_EQ(where.out, "A::Run() line 1\n");
     EXPECT_EQ(Kestrel("where p.kpr a.h 1").status, 1);
 
-    Outcome found = Kestrel("find p.kpr --class a --type def");
-    EXPECT_EQ(found.out, "A\t" + (dir / "a.h").string() + "\n");
+    EXPECT_EQ(Kestrel("find p.kpr --class a --type def").out, "A\t" + (dir / "a.h").string() + "\n");
     EXPECT_EQ(Kestrel("find p.kpr --function Run").out, "Run\t" + (dir / "a.cpp").string() + "\tline 1\n");
     EXPECT_EQ(Kestrel("find p.kpr --function run").status, 1);
 
@@ -91,18 +85,12 @@ TEST_F(Cli, AddRemoveUpdateWhereAndFind) {
     EXPECT_EQ(Kestrel("where p.kpr a.cpp 4").out, "A::Stop() line 3\n");
 
     ASSERT_EQ(Kestrel("remove p.kpr a.cpp").status, 0);
-    Outcome tree = Kestrel("tree --expand p.kpr");
-    EXPECT_EQ(tree.out, "p\n  A\n    Functions\n      Run()\n");
+    EXPECT_EQ(Kestrel("tree --expand p.kpr").out, "p\n  A\n    Functions\n      Run()\n");
 }
 
 TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {
     std::ofstream(dir / "bad.kpr") << "not a project";
-    struct Case {
-        std::string args;
-        int status;
-        std::string message;
-    };
-    const Case cases[] = {
+    const struct { std::string args; int status; std::string message; } cases[] = {
         {"tree missing.kpr", 1, "kestrel: missing.kpr: No such file or directory\n"},
         {"dump bad.kpr", 1, "kestrel: bad.kpr: not a kestrel project file (wrong signature)\n"},
         {"new nowhere/p.kpr", 1, "kestrel: " + (dir / "nowhere/p.kpr").string() +
@@ -116,7 +104,7 @@ TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {
         {"new p.kpr --jobs 0", 2, "kestrel new: --jobs needs a number of at least 1 (kestrel new --help shows the usage)\n"},
         {"remove bad.kpr a.cpp", 1, "kestrel: bad.kpr: not a kestrel project file (wrong signature)\n"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         Outcome run = Kestrel(c.args);
         EXPECT_EQ(run.status, c.status) << c.args;
         EXPECT_EQ(run.err, c.message) << c.args;

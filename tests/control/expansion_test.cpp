@@ -4,43 +4,33 @@
 namespace kestrel::test {
 namespace {
 
-constexpr const char* kHeader =
-    "class Shape {\n"
-    "public:\n"
-    "    int Area(int scale);\n"
-    "private:\n"
-    "    int width;\n"
-    "};\n";
-constexpr const char* kSource =
-    "int Shape::Area(int scale) {\n"
-    "    return scale;\n"
-    "}\n"
-    "void Shape::Draw() {\n"
-    "}\n";
+constexpr const char* kHeader = "class Shape {\npublic:\n    int Area(int scale);\nprivate:\n    int width;\n};\n";
+constexpr const char* kSource = "int Shape::Area(int scale) {\n    return scale;\n}\nvoid Shape::Draw() {\n}\n";
 
 // A project with a header and its implementation, saved and loaded back, so that its
 // class node holds the placeholder.
 class Expansion : public ControlTest {
 protected:
     void SetUp() override {
-        project = Path("shapes.kpr");
-        view->NewProject(project, LANGUAGE_C, 0);
+        view->NewProject(Path("shapes.kpr"), LANGUAGE_C, 0);
         view->files()->Add(Write("shape.h", kHeader), FILETYPE_DEFINITION);
         view->files()->Add(Write("shape.cpp", kSource), FILETYPE_IMPLEMENTATION);
         filled = Outline(0, true);
         ASSERT_TRUE(view->Save());
         view->CloseProject();
-        ASSERT_TRUE(view->Load(project));
+        ASSERT_TRUE(view->Load(Path("shapes.kpr")));
         shapeNode = Node(u"--Shape");
         ASSERT_NE(shapeNode, kNoNode);
     }
 
-    std::u16string project;
     std::string filled;
     NodeId shapeNode = kNoNode;
+    const std::vector<std::u16string> placeholder{u"[[--Shape"};
 };
 
-TEST_F(Expansion, ALoadedClassWaitsBehindItsPlaceholderAndExpandingFillsItFromEveryFile) {
+TEST_F(Expansion, OnlyExpandingALoadedClassFillsItAndFromEveryFile) {
+    platform.classTree.UserExpand(Node(u"++shapes"));
+    view->tView_Expand(1, shapeNode);  // the file tree's expansions fill nothing
     EXPECT_EQ(Outline(0, true),
               "shapes  [++shapes] 10\n"
               "  Shape  [--Shape] 1\n"
@@ -48,37 +38,22 @@ TEST_F(Expansion, ALoadedClassWaitsBehindItsPlaceholderAndExpandingFillsItFromEv
     platform.classTree.UserExpand(shapeNode);
     EXPECT_EQ(Outline(0, true), filled);
     platform.classTree.UserExpand(shapeNode);  // no placeholder any more
+    platform.classTree.UserExpand(Node(u"``Shape"));
     EXPECT_EQ(Outline(0, true), filled);
     EXPECT_TRUE(errors.reports.empty());
 }
 
-TEST_F(Expansion, ProjectNodeFoldersAndTheFileTreeAreNotFilled) {
-    platform.classTree.UserExpand(Node(u"++shapes"));
-    EXPECT_EQ(platform.classTree.ChildCount(shapeNode), 1);
-    view->tView_Expand(1, shapeNode);  // the file tree's expansions fill nothing
-    EXPECT_EQ(platform.classTree.ChildCount(shapeNode), 1);
-    platform.classTree.UserExpand(shapeNode);
-    const std::string full = Outline();
-    platform.classTree.UserExpand(Node(u"``Shape"));
-    EXPECT_EQ(Outline(), full);
-}
-
-TEST_F(Expansion, ARescanLeavesAnUnopenedClassToItsExpansion) {
-    FilePtr source = view->files()->FindFile(Path("shape.cpp"));
-    ASSERT_TRUE(source);
+TEST_F(Expansion, RescansLeaveAClassFoldedUntilItsExpansion) {
     Write("shape.cpp", std::string(kSource) + "void Shape::Fill() {\n}\n");
-    source->UpdateFile();
-    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
+    view->files()->FindFile(Path("shape.cpp"))->UpdateFile();
+    EXPECT_EQ(ChildKeys(shapeNode), placeholder);
     platform.classTree.UserExpand(shapeNode);
     EXPECT_NE(Node(u"!!Shape::FILL()"), kNoNode);
-}
 
-TEST_F(Expansion, UpdatingAllFilesFoldsEveryClass) {
-    platform.classTree.UserExpand(shapeNode);
+    // Updating all files folds every class; one first seen in that rescan gets real folders at once.
     Write("shape.h", std::string(kHeader) + "class Extra {\n    int n;\n};\n");
     view->files()->UpdateAllFiles();
-    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
-    // A class first seen in the rescan gets real folders at once.
+    EXPECT_EQ(ChildKeys(shapeNode), placeholder);
     EXPECT_EQ(ChildKeys(Node(u"--Extra")), (std::vector<std::u16string>{u"''Extra"}));
 }
 
@@ -92,7 +67,7 @@ TEST_F(Expansion, FilesAddedOrRemovedLaterTakePartInTheFilling) {
     EXPECT_TRUE(view->files()->Remove(Path("more.cpp")));
     EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);
     platform.classTree.UserCollapse(shapeNode);
-    EXPECT_EQ(ChildKeys(shapeNode), (std::vector<std::u16string>{u"[[--Shape"}));
+    EXPECT_EQ(ChildKeys(shapeNode), placeholder);
     platform.classTree.UserCollapse(Node(u"++shapes"));  // not a class: left alone
     EXPECT_EQ(platform.classTree.ChildCount(Node(u"++shapes")), 1);
     platform.classTree.UserExpand(shapeNode);
@@ -111,8 +86,7 @@ TEST_F(Expansion, FormFilesAreSkippedWhenFilling) {
     // A form is never scanned, but a project file may say a scanned file is one.
     view->files()->FindFile(Path("shape.h"))->FileType(FILETYPE_FORM);
     platform.classTree.UserExpand(shapeNode);
-    EXPECT_EQ(Outline(),
-              "shapes\n  Shape\n    Functions\n      Area(int scale)\n      Draw()\n");
+    EXPECT_EQ(Outline(), "shapes\n  Shape\n    Functions\n      Area(int scale)\n      Draw()\n");
     view->files()->FindFile(Path("shape.cpp"))->FileType(FILETYPE_NOPARSE);
     platform.classTree.UserCollapse(shapeNode);
     platform.classTree.UserExpand(shapeNode);

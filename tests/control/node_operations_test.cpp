@@ -1,4 +1,6 @@
-// How the model's changes show in the trees: keys, texts, images, tags and order.
+// How the model's changes show in the trees: keys, texts, images, tags and order, and
+// entries added by the load timer in portions of 20.
+#include "control/timed_load.h"
 #include "control_fixture.h"
 
 namespace kestrel::test {
@@ -6,23 +8,27 @@ namespace {
 
 class NodeOperations : public ControlTest {
 protected:
-    void SetUp() override {
-        view->NewProject(u"/work/proj/demo.kpr", LANGUAGE_C, 7);
+    void SetUp() override { view->NewProject(u"/work/proj/demo.kpr", LANGUAGE_C, 7); }
+    void Queue(int n) {
+        for (int i = 0; i < n; ++i) view->AddFunction__(MakeFunction(u"f" + ToText(i), u"()"), c, source);
     }
+    int Shown() { return platform.classTree.ChildCount(Node(u"``C")); }
+
+    FilePtr header = MakeFile(u"/work/proj/a.h", FILETYPE_DEFINITION);
+    FilePtr source = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
+    ClassPtr c = MakeClass(u"C");
 };
 
 TEST_F(NodeOperations, FirstFunctionCreatesProjectClassAndFunctionsFolderOnly) {
-    FilePtr file = MakeFile(u"/work/proj/shape.cpp", FILETYPE_IMPLEMENTATION);
     ClassPtr shape = MakeClass(u"Shape");
-    view->AddFunction__(MakeFunction(u"Area", u"(int scale)", PROTECTED_SCOPE, u"note"), shape, file);
+    view->AddFunction__(MakeFunction(u"Area", u"(int scale)", PROTECTED_SCOPE, u"note"), shape, source);
     EXPECT_EQ(ChildKeys(Node(u"--Shape")), (std::vector<std::u16string>{u"``Shape"}));
     EXPECT_EQ(platform.classTree.ExpandedImage(Node(u"++demo")), 11);
     EXPECT_FALSE(platform.classTree.SortedChildren(Node(u"--Shape")));
     EXPECT_TRUE(platform.classTree.SortedChildren(Node(u"``Shape")));
 
-    view->AddVariable__(MakeVariable(u"width", u"int", PRIVATE_SCOPE), shape, file);
-    view->AddVariable__(MakeVariable(u"name", u""), shape, file);
-    EXPECT_EQ(ChildKeys(Node(u"--Shape")), (std::vector<std::u16string>{u"``Shape", u"''Shape"}));
+    view->AddVariable__(MakeVariable(u"width", u"int", PRIVATE_SCOPE), shape, source);
+    view->AddVariable__(MakeVariable(u"name", u""), shape, source);
     EXPECT_EQ(Outline(0, true),
               "demo  [++demo] 10\n"
               "  Shape  [--Shape] 1\n"
@@ -34,51 +40,43 @@ TEST_F(NodeOperations, FirstFunctionCreatesProjectClassAndFunctionsFolderOnly) {
 }
 
 TEST_F(NodeOperations, ARepeatedEntryIsARefreshNotASecondNode) {
-    FilePtr file = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
-    ClassPtr c = MakeClass(u"C");
     ItemPtr f = MakeFunction(u"Run", u"()", PUBLIC_SCOPE, u"first");
-    view->AddFunction__(f, c, file);
+    view->AddFunction__(f, c, source);
     f->SetUserData(u"second");
     f->Scope = PRIVATE_SCOPE;
-    view->AddFunction__(f, c, file);
-    NodeId node = Node(u"!!C::RUN()");
+    view->AddFunction__(f, c, source);
     EXPECT_EQ(platform.classTree.ChildCount(Node(u"``C")), 1);
-    EXPECT_EQ(platform.classTree.Tag(node), u"1second");
-    EXPECT_EQ(platform.classTree.Image(node), 6);  // kept from the first addition
+    EXPECT_EQ(platform.classTree.Tag(Node(u"!!C::RUN()")), u"1second");
+    EXPECT_EQ(platform.classTree.Image(Node(u"!!C::RUN()")), 6);  // kept from the first addition
 }
 
+// The tag's leading digit holds one bit per file type that defines the entry.
 TEST_F(NodeOperations, HeaderAndImplementationShareOneNodeUntilBothAreGone) {
-    FilePtr header = MakeFile(u"/work/proj/a.h", FILETYPE_DEFINITION);
-    FilePtr source = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
-    ClassPtr c = MakeClass(u"C");
     ItemPtr f = MakeFunction(u"Run", u"()");
+    const auto tag = [&] { return platform.classTree.Tag(Node(u"!!C::RUN()")); };
     view->AddFunction__(f, c, header);
-    EXPECT_EQ(platform.classTree.Tag(Node(u"!!C::RUN()")), u"2");
+    EXPECT_EQ(tag(), u"2");
     view->AddFunction__(f, c, source);
-    EXPECT_EQ(platform.classTree.Tag(Node(u"!!C::RUN()")), u"3");
+    EXPECT_EQ(tag(), u"3");
     view->RemoveFunction__(f, c, source);
-    EXPECT_EQ(platform.classTree.Tag(Node(u"!!C::RUN()")), u"2");
+    EXPECT_EQ(tag(), u"2");
     view->RemoveFunction__(f, c, header);
     EXPECT_EQ(Node(u"!!C::RUN()"), kNoNode);
     view->RemoveFunction__(f, c, header);  // a miss ends quietly
     EXPECT_TRUE(errors.reports.empty());
-}
 
-TEST_F(NodeOperations, ATagWithoutLeadingDigitCountsAsNoBit) {
-    FilePtr source = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
-    ClassPtr c = MakeClass(u"C");
+    // A tag without a leading digit counts as no bit at all.
     ItemPtr v = MakeVariable(u"count", u"int");
     view->AddVariable__(v, c, source);
-    NodeId node = Node(u"**C::count");
-    platform.classTree.SetTag(node, u"x1");
-    EXPECT_EQ(view->SetATag__(node, u"text"), u"0text");
-    view->RemoveVariable__(v, c, MakeFile(u"/work/proj/a.h", FILETYPE_DEFINITION));
+    platform.classTree.SetTag(Node(u"**C::count"), u"x1");
+    EXPECT_EQ(view->SetATag__(Node(u"**C::count"), u"text"), u"0text");
+    view->RemoveVariable__(v, c, header);
     EXPECT_EQ(Node(u"**C::count"), kNoNode);
 }
 
 TEST_F(NodeOperations, FilesGoIntoTheFolderOfTheirType) {
     view->AddFile__(MakeFile(u"/work/proj/src/a.cpp", FILETYPE_IMPLEMENTATION));
-    view->AddFile__(MakeFile(u"/work/proj/a.h", FILETYPE_DEFINITION));
+    view->AddFile__(header);
     view->AddFile__(MakeFile(u"/work/proj/main.frm", FILETYPE_FORM));
     view->AddFile__(MakeFile(u"/work/proj/notes.txt", FILETYPE_NOPARSE));
     view->AddFile__(MakeFile(u"/work/proj/odd.x", 9));
@@ -109,28 +107,83 @@ TEST_F(NodeOperations, FindOrCreateRefreshesTheImagesOfAFoundNode) {
 
 TEST_F(NodeOperations, AClassNodeStaysWhileAnotherFileHoldsTheClass) {
     std::u16string h = Write("c.h", "class C {\npublic:\n    void Run();\n};\n");
-    std::u16string cpp = Write("c.cpp", "void C::Run() {\n}\n");
     view->NewProject(Path("p.kpr"), LANGUAGE_C, 0);
-    AllFilesPtr files = view->files();
-    files->Add(h, FILETYPE_DEFINITION);
-    FilePtr source = files->Add(cpp, FILETYPE_IMPLEMENTATION);
-    ClassPtr c = source->GetClass(u"C");
-    ASSERT_TRUE(c);
-    view->RemoveClass__(c, source);
+    view->files()->Add(h, FILETYPE_DEFINITION);
+    FilePtr cpp = view->files()->Add(Write("c.cpp", "void C::Run() {\n}\n"), FILETYPE_IMPLEMENTATION);
+    ClassPtr scanned = cpp->GetClass(u"C");
+    ASSERT_TRUE(scanned);
+    view->RemoveClass__(scanned, cpp);
     EXPECT_NE(Node(u"--C"), kNoNode);
-    view->RemoveClass__(c, files->FindFile(h));
+    view->RemoveClass__(scanned, view->files()->FindFile(h));
     EXPECT_NE(Node(u"--C"), kNoNode);  // the implementation still holds it
-    files->Remove(h);
-    view->RemoveClass__(c, source);
+    view->files()->Remove(h);
+    view->RemoveClass__(scanned, cpp);
     EXPECT_EQ(Node(u"--C"), kNoNode);
 }
 
 TEST_F(NodeOperations, AFunctionWithoutClassIsNotShown) {
-    FilePtr file = MakeFile(u"/work/proj/a.cpp", FILETYPE_IMPLEMENTATION);
-    view->SetCurrentClass(MakeClass(u"C"), file);
-    view->AddFunction__(MakeFunction(u"f", u"()"), nullptr, file);
-    EXPECT_EQ(ChildKeys(Node(u"``C")).size(), 0u);
+    view->SetCurrentClass(c, source);
+    view->AddFunction__(MakeFunction(u"f", u"()"), nullptr, source);
     EXPECT_EQ(Outline(), "demo\n  C\n    Functions\n");
+}
+
+using TimedLoading = NodeOperations;
+
+TEST_F(TimedLoading, FortyFiveRequestsTakeThreeTicks) {
+    view->SetCurrentClass(c, source);
+    view->TimedLoad().Enabled(true);
+    Queue(45);
+    // The first tick comes after 500 ms, the others every 50; the third finds the end.
+    const struct { int ms, ticks, shown; } steps[] = {{0, 0, 0}, {499, 0, 0}, {1, 1, 20}, {50, 1, 40}, {50, 1, 45}};
+    for (const auto& step : steps) {
+        EXPECT_EQ(platform.timer.Advance(step.ms), step.ticks);
+        EXPECT_EQ(Shown(), step.shown);
+    }
+    EXPECT_EQ(platform.timer.Interval(), 50);
+    EXPECT_FALSE(view->TimedLoad().Enabled());
+    EXPECT_EQ(view->TimedLoad().Pending(), 0);
+    view->AddFunction__(MakeFunction(u"late", u"()"), c, source);  // off again: added at once
+    EXPECT_EQ(Shown(), 46);
+}
+
+TEST_F(TimedLoading, SwitchingOnAgainOrANewProjectDropsWhatWasQueued) {
+    view->SetCurrentClass(c, source);
+    view->TimedLoad().Enabled(true);
+    Queue(3);
+    view->TimedLoad().Enabled(true);
+    EXPECT_EQ(view->TimedLoad().Pending(), 0);
+    EXPECT_EQ(platform.timer.Drain(), 1);  // the empty queue is switched off by its first tick
+    EXPECT_EQ(Shown(), 0);
+
+    view->TimedLoad().Enabled(true);
+    Queue(5);
+    view->NewProject(u"/p/other.kpr", LANGUAGE_C, 0);
+    EXPECT_FALSE(platform.timer.Enabled());
+    EXPECT_EQ(view->TimedLoad().Pending(), 0);
+    EXPECT_EQ(platform.timer.Drain(), 0);
+    EXPECT_EQ(Outline(), "");
+}
+
+TEST_F(TimedLoading, RequestsAreHandledInArrivalOrder) {
+    view->TimedLoad().Enabled(true);
+    view->AddFunction__(MakeFunction(u"Run", u"()"), c, source);
+    view->AddVariable__(MakeVariable(u"count", u"int"), c, source);
+    EXPECT_EQ(Node(u"--C"), kNoNode);
+    platform.timer.Drain();
+    // The class node keeps its folders in the order they were made.
+    EXPECT_EQ(ChildKeys(Node(u"--C")), (std::vector<std::u16string>{u"``C", u"''C"}));
+}
+
+TEST_F(TimedLoading, APlatformWithoutTimerAddsEverythingAtOnce) {
+    MemoryPlatform bare;
+    Platform parts = bare.Get();
+    parts.loadTimer = nullptr;
+    auto control = TreeView::Create(parts);
+    control->NewProject(u"/p/demo.kpr", LANGUAGE_C, 0);
+    control->TimedLoad().Enabled(true);
+    control->AddFunction__(MakeFunction(u"Run", u"()"), c, source);
+    EXPECT_NE(bare.classTree.Find(u"!!C::RUN()"), kNoNode);
+    EXPECT_TRUE(errors.reports.empty());
 }
 
 }  // namespace

@@ -36,31 +36,16 @@ private slots:
         QVERIFY(ImageList::Instance().Icon(ImageList::kCount + 1).isNull());
     }
 
-    void keysBecomeVirtualKeyCodes_data() {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("modifiers");
-        QTest::addColumn<int>("code");
-        QTest::newRow("letter") << int(Qt::Key_Q) << int(Qt::NoModifier) << 81;
-        QTest::newRow("digit") << int(Qt::Key_7) << int(Qt::NoModifier) << 55;
-        QTest::newRow("keypad digit") << int(Qt::Key_7) << int(Qt::KeypadModifier) << 103;
-        QTest::newRow("enter") << int(Qt::Key_Return) << int(Qt::NoModifier) << 13;
-        QTest::newRow("escape") << int(Qt::Key_Escape) << int(Qt::NoModifier) << 27;
-        QTest::newRow("arrow") << int(Qt::Key_Right) << int(Qt::NoModifier) << 39;
-        QTest::newRow("delete") << int(Qt::Key_Delete) << int(Qt::NoModifier) << 46;
-        QTest::newRow("F1") << int(Qt::Key_F1) << int(Qt::NoModifier) << 112;
-        QTest::newRow("F12") << int(Qt::Key_F12) << int(Qt::NoModifier) << 123;
-        QTest::newRow("semicolon") << int(Qt::Key_Semicolon) << int(Qt::NoModifier) << 186;
-        QTest::newRow("unknown") << int(Qt::Key_MediaPlay) << int(Qt::NoModifier) << 0;
-    }
-    void keysBecomeVirtualKeyCodes() {
-        QFETCH(int, key);
-        QFETCH(int, modifiers);
-        QFETCH(int, code);
-        const QKeyEvent event(QEvent::KeyPress, key, Qt::KeyboardModifiers(modifiers));
-        QCOMPARE(int(kestrel::qt::KeyCodeOf(event)), code);
-    }
+    void keysModifiersAndButtonsBecomeTheEventsCodes() {
+        const struct { int key; Qt::KeyboardModifiers modifiers; int code; } keys[] = {
+            {Qt::Key_Q, {}, 81},      {Qt::Key_7, {}, 55},      {Qt::Key_7, Qt::KeypadModifier, 103},
+            {Qt::Key_Return, {}, 13}, {Qt::Key_Escape, {}, 27}, {Qt::Key_Right, {}, 39},
+            {Qt::Key_Delete, {}, 46}, {Qt::Key_F1, {}, 112},    {Qt::Key_F12, {}, 123},
+            {Qt::Key_Semicolon, {}, 186}, {Qt::Key_MediaPlay, {}, 0}};  // the last has no code
+        for (const auto& k : keys) {
+            QCOMPARE(int(kestrel::qt::KeyCodeOf(QKeyEvent(QEvent::KeyPress, k.key, k.modifiers))), k.code);
+        }
 
-    void theCharacterTypedAndTheBitSets() {
         QCOMPARE(kestrel::qt::KeyAsciiOf(QKeyEvent(QEvent::KeyPress, Qt::Key_A, Qt::ShiftModifier, "A")), int16_t{65});
         QCOMPARE(kestrel::qt::KeyAsciiOf(QKeyEvent(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier)), int16_t{0});
         QCOMPARE(kestrel::qt::ShiftOf(Qt::ShiftModifier | Qt::AltModifier), int16_t{5});

@@ -7,7 +7,6 @@
 #include <QMouseEvent>
 #include <QTemporaryDir>
 #include <QTreeWidget>
-#include <QTreeWidgetItemIterator>
 
 namespace kestrel::test {
 
@@ -21,10 +20,8 @@ inline QString WriteSource(const QTemporaryDir& dir, const QString& name, const 
 
 // The first item, in tree order, whose text is exactly `text`.
 inline QTreeWidgetItem* FindItem(QTreeWidget* tree, const QString& text) {
-    for (QTreeWidgetItemIterator it(tree); *it; ++it) {
-        if ((*it)->text(0) == text) return *it;
-    }
-    return nullptr;
+    const QList<QTreeWidgetItem*> found = tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive);
+    return found.isEmpty() ? nullptr : found.first();
 }
 
 inline QStringList ChildTexts(const QTreeWidgetItem* item) {
@@ -40,24 +37,9 @@ inline QPoint CenterOf(QTreeWidget* tree, QTreeWidgetItem* item) {
     return tree->visualItemRect(item).center();
 }
 
-inline void SendMouse(QTreeWidget* tree, QEvent::Type type, QPoint pos, Qt::MouseButton button = Qt::NoButton,
-                      Qt::MouseButtons held = Qt::NoButton) {
-    QWidget* viewport = tree->viewport();
-    QMouseEvent event(type, pos, viewport->mapToGlobal(pos), button, held, Qt::NoModifier);
-    QApplication::sendEvent(viewport, &event);
+inline void MoveMouse(QTreeWidget* tree, QPoint pos, Qt::MouseButtons held = Qt::NoButton) {
+    QMouseEvent event(QEvent::MouseMove, pos, tree->viewport()->mapToGlobal(pos), Qt::NoButton, held, Qt::NoModifier);
+    QApplication::sendEvent(tree->viewport(), &event);
 }
 
-// The header of one small class, as an editor's project would hold.
-inline constexpr const char* kShapeHeader =
-    "class Shape {\n"
-    "public:\n"
-    "    Shape();\n"
-    "    double Area();\n"
-    "    void Move(int dx, int dy);\n"
-    "protected:\n"
-    "    int x;\n"
-    "private:\n"
-    "    void Reset();\n"
-    "    int y;\n"
-    "};\n";
 }  // namespace kestrel::test

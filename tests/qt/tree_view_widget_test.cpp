@@ -1,10 +1,9 @@
 // The Qt widget driven as a user and a host would: files added, nodes expanded and
 // collapsed with the tree's own expansion, clicks, keys and mouse moves delivered to
-// the tree, properties stored and read back, entries loaded by the Qt timer.
+// the tree, properties stored and read back. kestrel-view's tests run the Qt timer.
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
 #include <QToolTip>
 
 #include "common/constants.h"
@@ -14,6 +13,11 @@
 
 using kestrel::qt::TreeViewWidget;
 using namespace kestrel::test;
+
+// One small class with members of every scope.
+constexpr const char* kShapeHeader =
+    "class Shape {\npublic:\n    Shape();\n    double Area();\n    void Move(int dx, int dy);\n"
+    "protected:\n    int x;\nprivate:\n    void Reset();\n    int y;\n};\n";
 
 class TreeViewWidgetTest : public QObject {
     Q_OBJECT
@@ -37,6 +41,9 @@ private:
         }
         QCOMPARE(item ? item->childCount() : tree->topLevelItemCount(), index);
     }
+    void BothTreesShowTheControlsNodes() {
+        for (int i : {0, 1}) CompareWithDisplay(view_->control().tView(i), kestrel::kNoNode, view_->tree(i), nullptr);
+    }
 
     // A project holding the shape header, with the widget shown at a usable size.
     void OpenShapeProject() {
@@ -55,27 +62,42 @@ private slots:
     }
     void cleanup() { view_.reset(); }
 
-    void addedAndRemovedFilesShowExactlyTheControlsNodes() {
+    void theDisplayFollowsFilesAddedAndRemovedAndClassesFoldedAndFilled() {
         OpenShapeProject();
         QTreeWidgetItem* shape = FindItem(ClassTree(), "Shape");
         QVERIFY(shape);
         // A class met while scanning gets its folders at once, functions before variables.
-        QCOMPARE(ChildTexts(shape), (QStringList{"Functions", "Variables"}));
-        QCOMPARE(ChildTexts(shape->child(0)), (QStringList{"Area()", "Move(int dx, int dy)", "Reset()", "Shape()"}));
-        QVERIFY(!shape->icon(0).isNull());
+        const QStringList folders{"Functions", "Variables"}, functions{"Area()", "Move(int dx, int dy)", "Reset()", "Shape()"};
+        QCOMPARE(ChildTexts(shape), folders);
+        QCOMPARE(ChildTexts(shape->child(0)), functions);
         QCOMPARE(ChildTexts(view_->tree(1)->topLevelItem(0)->child(0)), QStringList{"shape.h"});
 
         const QString first = WriteSource(dir_, "first.h", "class beta {\n public:\n void zed();\n void Alpha();\n};\n");
         view_->files()->Add(first.toStdU16String(), kestrel::FILETYPE_DEFINITION);
-        view_->files()->Add(WriteSource(dir_, "second.cpp", "class Alpha {\n int b;\n int a;\n};\nvoid gamma() {\n}\n").toStdU16String(),
-                            kestrel::FILETYPE_IMPLEMENTATION);
+        const QString second = WriteSource(dir_, "second.cpp", "class Alpha {\n int b;\n int a;\n};\nvoid gamma() {\n}\n");
+        view_->files()->Add(second.toStdU16String(), kestrel::FILETYPE_IMPLEMENTATION);
         // The display holds exactly the control's nodes, in the control's order.
-        for (int index : {0, 1}) CompareWithDisplay(view_->control().tView(index), kestrel::kNoNode, view_->tree(index), nullptr);
+        BothTreesShowTheControlsNodes();
         QCOMPARE(ChildTexts(ClassTree()->topLevelItem(0)), (QStringList{"Alpha", "beta", "Globals", "Shape"}));
-
         view_->files()->Remove(first.toStdU16String());
-        for (int index : {0, 1}) CompareWithDisplay(view_->control().tView(index), kestrel::kNoNode, view_->tree(index), nullptr);
+        BothTreesShowTheControlsNodes();
         QCOMPARE(ChildTexts(ClassTree()->topLevelItem(0)), (QStringList{"Alpha", "Globals", "Shape"}));
+
+        // The tree's own collapsing gives the placeholder back and its expanding fills the class again.
+        ClassTree()->expandItem(shape);
+        ClassTree()->collapseItem(shape);
+        QCOMPARE(ChildTexts(shape), QStringList{"|"});
+        QVERIFY(!shape->isExpanded());
+        ClassTree()->expandItem(shape);
+        QCOMPARE(ChildTexts(shape), folders);
+        QCOMPARE(ChildTexts(shape->child(0)), functions);
+        QCOMPARE(ChildTexts(shape->child(1)), (QStringList{"int x", "int y"}));
+        // Folders, scopes and kinds are told apart by their pictures.
+        const auto picture = [](QTreeWidgetItem* item) { return item->icon(0).pixmap(16).toImage(); };
+        QTreeWidgetItem* functionsFolder = shape->child(0);
+        QVERIFY(picture(functionsFolder) != picture(functionsFolder->child(0)));                // folder, public function
+        QVERIFY(picture(functionsFolder->child(0)) != picture(functionsFolder->child(2)));      // public, private
+        QVERIFY(picture(shape->child(1)->child(0)) != picture(shape->child(1)->child(1)));  // protected, private
     }
 
     void theHourglassIsTheApplicationsWaitCursorAndTheHandleIsTheWidgets() {
@@ -89,27 +111,7 @@ private slots:
         QVERIFY(view_->control().hWnd() != 0);
     }
 
-    void collapsingGivesThePlaceholderBackAndExpandingFillsTheNodeAgain() {
-        OpenShapeProject();
-        QTreeWidgetItem* shape = FindItem(ClassTree(), "Shape");
-        ClassTree()->expandItem(shape);
-        ClassTree()->collapseItem(shape);
-        QCOMPARE(ChildTexts(shape), QStringList{"|"});
-        QVERIFY(!shape->isExpanded());
-
-        ClassTree()->expandItem(shape);
-        QCOMPARE(ChildTexts(shape), (QStringList{"Functions", "Variables"}));
-        QCOMPARE(ChildTexts(shape->child(0)).size(), 4);
-        QCOMPARE(shape->child(1)->childCount(), 2);
-        // Folders, scopes and kinds are told apart by their pictures.
-        const auto picture = [](QTreeWidgetItem* item) { return item->icon(0).pixmap(16).toImage(); };
-        QTreeWidgetItem* functions = shape->child(0);
-        QVERIFY(picture(functions) != picture(functions->child(0)));         // folder, public function
-        QVERIFY(picture(functions->child(0)) != picture(functions->child(2)));  // public, private
-        QVERIFY(picture(shape->child(1)->child(0)) != picture(shape->child(1)->child(1)));  // protected, private
-    }
-
-    void clicksAndKeysReachTheHost() {
+    void clicksAndKeysReachTheHostWhichMayKeepAKeyFromTheTree() {
         OpenShapeProject();
         QStringList heard;
         connect(view_.get(), &TreeViewWidget::MouseDown, [&](qint16& b, qint16&, float&, float&) { heard << QString("down %1").arg(b); });
@@ -137,11 +139,8 @@ private slots:
         heard.clear();
         QTest::keyClick(ClassTree(), Qt::Key_A);
         QCOMPARE(heard, (QStringList{"keydown 65 0", "keypress 97", "keyup 65 0"}));
-    }
 
-    void aHostThatClearsTheKeyCodeKeepsTheKeyFromTheTree() {
-        OpenShapeProject();
-        QTreeWidgetItem* shape = FindItem(ClassTree(), "Shape");
+        // A host that clears the key code keeps the key from the tree.
         ClassTree()->setCurrentItem(shape);
         connect(view_.get(), &TreeViewWidget::KeyDown, [](qint16& keyCode, qint16&) { keyCode = 0; });
         QTest::keyClick(ClassTree(), Qt::Key_Up);
@@ -164,8 +163,8 @@ private slots:
         connect(view_.get(), &TreeViewWidget::MouseMove, [&] { ++moves; });
 
         const QPoint onArea = CenterOf(ClassTree(), area);
-        SendMouse(ClassTree(), QEvent::MouseMove, onArea);
-        SendMouse(ClassTree(), QEvent::MouseMove, onArea + QPoint(3, 1));
+        MoveMouse(ClassTree(), onArea);
+        MoveMouse(ClassTree(), onArea + QPoint(3, 1));
         QCOMPARE(tips.count(), 1);
         QCOMPARE(tips.at(0).at(0).toString(), QString("the area in square units"));
         // Resting there shows the tree's tool tip.
@@ -175,9 +174,9 @@ private slots:
 
         // With a button held the tip stays as it is.
         const QPoint below(10, ClassTree()->viewport()->height() - 2);
-        SendMouse(ClassTree(), QEvent::MouseMove, below, Qt::NoButton, Qt::LeftButton);
+        MoveMouse(ClassTree(), below, Qt::LeftButton);
         QCOMPARE(tips.count(), 1);
-        SendMouse(ClassTree(), QEvent::MouseMove, below);
+        MoveMouse(ClassTree(), below);
         QCOMPARE(tips.count(), 2);
         QCOMPARE(tips.at(1).at(0).toString(), QString());
         QCOMPARE(moves, 4);
@@ -186,51 +185,18 @@ private slots:
     void viewStyleSwitchesTheVisibleTree() {
         OpenShapeProject();
         QSignalSpy changes(view_.get(), &TreeViewWidget::propertyChanged);
-        QVERIFY(view_->tree(0)->isVisible());
-        QVERIFY(!view_->tree(1)->isVisible());
+        const auto visible = [&] { return qMakePair(view_->tree(0)->isVisible(), view_->tree(1)->isVisible()); };
+        QCOMPARE(visible(), qMakePair(true, false));
         view_->setViewStyle(kestrel::prvFiles);
-        QVERIFY(!view_->tree(0)->isVisible());
-        QVERIFY(view_->tree(1)->isVisible());
+        QCOMPARE(visible(), qMakePair(false, true));
         QCOMPARE(view_->tree(1)->geometry(), view_->rect());
-        QCOMPARE(view_->control().WhatIsSelected(), kestrel::ST_FILE);
         QCOMPARE(changes.count(), 1);
         QCOMPARE(changes.at(0).at(0).toString(), QString("ViewStyle"));
         view_->setProperty("ViewStyle", kestrel::prvClasses);
-        QVERIFY(view_->tree(0)->isVisible());
-        QVERIFY(!view_->tree(1)->isVisible());
+        QCOMPARE(visible(), qMakePair(true, false));
     }
 
-    void timedLoadingFillsTheTreeInPortionsAsTheTimerRuns() {
-        QByteArray big = "class Big {\npublic:\n";
-        for (int i = 1; i <= 45; ++i) big += QByteArray("    void f") + QByteArray::number(i).rightJustified(2, '0') + "();\n";
-        big += "};\n";
-        const QString project = dir_.filePath("big.kpr");
-        view_->control().NewProject(project.toStdU16String(), kestrel::LANGUAGE_C, 7);
-        view_->files()->Add(WriteSource(dir_, "big.h", big).toStdU16String(), kestrel::FILETYPE_DEFINITION);
-        QVERIFY(view_->control().Save());
-
-        auto loaded = std::make_unique<TreeViewWidget>();
-        loaded->setAsyncLoad(true);
-        QVERIFY(loaded->control().Load(project.toStdU16String()));
-        QVERIFY(loaded->loadTimer().isActive());
-        QTreeWidget* tree = loaded->tree(0);
-        QTreeWidgetItem* bigNode = FindItem(tree, "Big");
-        QVERIFY(bigNode);
-        // Expanding while the loader runs queues the entries instead of adding them.
-        tree->expandItem(bigNode);
-        QCOMPARE(bigNode->childCount(), 0);
-
-        QList<int> portions;
-        connect(&loaded->loadTimer(), &QTimer::timeout, [&] {
-            QTreeWidgetItem* folder = FindItem(tree, "Functions");
-            portions << (folder ? folder->childCount() : 0);
-        });
-        QTRY_VERIFY_WITH_TIMEOUT(!loaded->loadTimer().isActive(), 5000);
-        QCOMPARE(portions, (QList<int>{20, 40, 45}));
-        QCOMPARE(ChildTexts(FindItem(tree, "Functions")).first(), QString("f01()"));
-    }
-
-    void propertiesRoundTripThroughAMapAndASettingsGroup() {
+    void propertiesRoundTripThroughAMapAndASettingsGroupAndDefaultsAreNotStored() {
         view_->setViewStyle(kestrel::prvFiles);
         view_->setAutoToolTip(true);
         view_->setCreateBackup(true);
@@ -255,17 +221,15 @@ private slots:
         QCOMPARE(fromSettings.writeProperties(), map);
         QCOMPARE(fromSettings.tree(1)->font().family(), font.family());  // what was read reaches the trees
         QVERIFY(!fromSettings.tree(1)->isEnabled());
-    }
 
-    void anEmptyBagGivesTheDefaultsAndTheHostsFont() {
+        // An empty bag gives the defaults and the host's font; defaults are not stored.
         QWidget host;
         host.setFont(QFont("DejaVu Serif", 13));
-        auto* view = new TreeViewWidget(&host);
-        view->readProperties(QVariantMap());
-        QCOMPARE(view->treeFont().family(), QString("DejaVu Serif"));
-        QCOMPARE(view->viewStyle(), int(kestrel::prvClasses));
-        // Defaults, the ambient font among them, are not stored.
-        QVERIFY(view->writeProperties().isEmpty());
+        auto* fresh = new TreeViewWidget(&host);
+        fresh->readProperties(QVariantMap());
+        QCOMPARE(fresh->treeFont().family(), QString("DejaVu Serif"));
+        QCOMPARE(fresh->viewStyle(), int(kestrel::prvClasses));
+        QVERIFY(fresh->writeProperties().isEmpty());
     }
 };
 
