@@ -83,8 +83,10 @@ public:
 
     // `present` holds at least the units of L.
     void ScanLine(std::u16string& L, int32_t i, const UnitSet& present);
-    // Only a class pushed onto a full stack raises inside ScanLine.
-    bool MayRaise() const { return stack_.Full(); }
+    // Only a class pushed onto a full stack raises inside ScanLine, and a line pushes at
+    // most once for its class word and once for each block it opens: never more often
+    // than it has units, plus one.
+    bool MayRaise(const std::u16string& L) const { return stack_.Room() <= L.size(); }
 
 private:
     bool AtDeclarationLevel() const { return depth_ == stack_.Level() + 1; }
@@ -227,12 +229,12 @@ void TakeLevelsOut(std::vector<std::u16string>& lines, int32_t lineCount, const 
     std::u16string L;
     // A run-time error ends the pass; the line being worked on keeps its earlier text.
     // Lines are worked on in place while no error can come; a copy is taken only once
-    // the class stack is full.
+    // the class stack could fill up on the line.
     Trap(kModule, "Sub TakeLevelsOut", [&] {
         for (int32_t i = 1; i <= lineCount; ++i) {
             std::u16string& stored = lines.at(static_cast<size_t>(i));
             const UnitSet& units = present ? (*present)[static_cast<size_t>(i)] : anything;
-            if (!scanner.MayRaise()) {
+            if (!scanner.MayRaise(stored)) {
                 scanner.ScanLine(stored, i, units);
                 continue;
             }

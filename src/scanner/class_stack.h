@@ -18,8 +18,8 @@ public:
     const std::u16string& Data() const;
     // The block depth of the top entry's header, or -1 when empty.
     int32_t Level() const { return top_ > 0 ? entries_[static_cast<size_t>(top_)].Level : -1; }
-    // True when the next Push raises.
-    bool Full() const { return static_cast<size_t>(top_) + 1 >= entries_.size(); }
+    // How many more Pushes can succeed.
+    size_t Room() const { return entries_.size() - 1 - static_cast<size_t>(top_); }
 
 private:
     struct Entry {

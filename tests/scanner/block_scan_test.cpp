@@ -136,14 +136,20 @@ TEST(TakeLevelsOut, ACodeAboveTheSeparatorTableInAClassNameEndsThePass) {
     EXPECT_TRUE(capture.reports.empty());
 }
 
-TEST(TakeLevelsOut, The1025thOpenClassEndsThePass) {
-    test::ErrorCapture capture;
-    Lines lines;
-    for (int i = 1; i <= 1025; ++i) lines.push_back(u"class C" + ToText(i) + u" {");
-    lines.push_back(u"int x;");
-    Pass p = ScanLevels(lines);
-    EXPECT_TRUE(p.results.empty());
-    EXPECT_EQ(capture.Seen(), kOneTrap);
-    EXPECT_EQ(p.lines[1023], u"");
-    EXPECT_EQ(p.lines[1024], u"class C1025 {");
+TEST(TakeLevelsOut, The1025thOpenClassEndsThePassAndItsLineKeepsItsText) {
+    // 1023 classes open, then the 1024th and 1025th: by class words on two lines, or by
+    // two linkage blocks on one line whose string is cut out before the second push.
+    for (Lines last : {Lines{u"class C1024 {", u"class C1025 {"}, Lines{u"extern \"C\" {extern {"}}) {
+        SCOPED_TRACE(ToUtf8(last.back()));
+        test::ErrorCapture capture;
+        Lines lines;
+        for (int i = 1; i <= 1023; ++i) lines.push_back(u"class C" + ToText(i) + u" {");
+        lines.insert(lines.end(), last.begin(), last.end());
+        lines.push_back(u"int x;");
+        Pass p = ScanLevels(lines);
+        EXPECT_EQ(capture.Seen(), kOneTrap);
+        EXPECT_EQ(p.lines[1022], u"");
+        EXPECT_EQ(p.lines[lines.size() - 2], last.back());
+        EXPECT_EQ(p.lines.back(), u"int x;");
+    }
 }
