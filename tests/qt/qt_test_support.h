@@ -37,8 +37,8 @@ inline QPoint CenterOf(QTreeWidget* tree, QTreeWidgetItem* item) {
     return tree->visualItemRect(item).center();
 }
 
-inline void MoveMouse(QTreeWidget* tree, QPoint pos, Qt::MouseButtons held = Qt::NoButton) {
-    QMouseEvent event(QEvent::MouseMove, pos, tree->viewport()->mapToGlobal(pos), Qt::NoButton, held, Qt::NoModifier);
+inline void MoveMouse(QTreeWidget* tree, QPoint pos) {
+    QMouseEvent event(QEvent::MouseMove, pos, tree->viewport()->mapToGlobal(pos), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(tree->viewport(), &event);
 }
 
