@@ -102,7 +102,6 @@ TEST_F(Cli, FailuresNameTheFileAndTheReasonOnOneLine) {
          "kestrel new: --type must be impl, def, form, noparse or 1 to 4, not 'header' (kestrel new --help shows the "
          "usage)\n"},
         {"new p.kpr --jobs 0", 2, "kestrel new: --jobs needs a number of at least 1 (kestrel new --help shows the usage)\n"},
-        {"remove bad.kpr a.cpp", 1, "kestrel: bad.kpr: not a kestrel project file (wrong signature)\n"},
     };
     for (const auto& c : cases) {
         Outcome run = Kestrel(c.args);

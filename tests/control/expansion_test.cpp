@@ -28,17 +28,23 @@ protected:
     const std::vector<std::u16string> placeholder{u"[[--Shape"};
 };
 
-TEST_F(Expansion, OnlyExpandingALoadedClassFillsItAndFromEveryFile) {
-    platform.classTree.UserExpand(Node(u"++shapes"));
+TEST_F(Expansion, OnlyExpandingALoadedClassFillsItFromEveryFileAndCollapsingFoldsIt) {
     view->tView_Expand(1, shapeNode);  // the file tree's expansions fill nothing
-    EXPECT_EQ(Outline(0, true),
-              "shapes  [++shapes] 10\n"
-              "  Shape  [--Shape] 1\n"
-              "    |  [[[--Shape] 0\n");
+    EXPECT_EQ(ChildKeys(shapeNode), placeholder);
     platform.classTree.UserExpand(shapeNode);
     EXPECT_EQ(Outline(0, true), filled);
     platform.classTree.UserExpand(shapeNode);  // no placeholder any more
-    platform.classTree.UserExpand(Node(u"``Shape"));
+    EXPECT_EQ(Outline(0, true), filled);
+
+    // A file added later takes part in the next filling.
+    platform.classTree.UserCollapse(shapeNode);
+    EXPECT_EQ(ChildKeys(shapeNode), placeholder);
+    view->files()->Add(Write("more.cpp", "void Shape::Extra() {\n}\n"), FILETYPE_IMPLEMENTATION);
+    EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);
+    platform.classTree.UserExpand(shapeNode);
+    EXPECT_NE(Node(u"!!Shape::EXTRA()"), kNoNode);
+    EXPECT_TRUE(view->files()->Remove(Path("more.cpp")));
+    platform.classTree.UserCollapse(Node(u"++shapes"));  // not a class: left alone
     EXPECT_EQ(Outline(0, true), filled);
     EXPECT_TRUE(errors.reports.empty());
 }
@@ -55,23 +61,6 @@ TEST_F(Expansion, RescansLeaveAClassFoldedUntilItsExpansion) {
     view->files()->UpdateAllFiles();
     EXPECT_EQ(ChildKeys(shapeNode), placeholder);
     EXPECT_EQ(ChildKeys(Node(u"--Extra")), (std::vector<std::u16string>{u"''Extra"}));
-}
-
-TEST_F(Expansion, FilesAddedOrRemovedLaterTakePartInTheFilling) {
-    platform.classTree.UserExpand(shapeNode);  // the project as loaded
-    platform.classTree.UserCollapse(shapeNode);
-    view->files()->Add(Write("more.cpp", "void Shape::Extra() {\n}\n"), FILETYPE_IMPLEMENTATION);
-    EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);  // the class waits for its expansion
-    platform.classTree.UserExpand(shapeNode);
-    EXPECT_NE(Node(u"!!Shape::EXTRA()"), kNoNode);
-    EXPECT_TRUE(view->files()->Remove(Path("more.cpp")));
-    EXPECT_EQ(Node(u"!!Shape::EXTRA()"), kNoNode);
-    platform.classTree.UserCollapse(shapeNode);
-    EXPECT_EQ(ChildKeys(shapeNode), placeholder);
-    platform.classTree.UserCollapse(Node(u"++shapes"));  // not a class: left alone
-    EXPECT_EQ(platform.classTree.ChildCount(Node(u"++shapes")), 1);
-    platform.classTree.UserExpand(shapeNode);
-    EXPECT_EQ(Outline(0, true), filled);
 }
 
 TEST_F(Expansion, AFailingHandlerIsReportedAndTheHostGoesOn) {
