@@ -13,10 +13,8 @@ class Host : public TreeViewEvents {
 public:
     void KeyDown(int16_t& key, int16_t& shift) override { Heard("KeyDown", key, shift); key = 0; shift = 4; }
     void KeyPress(int16_t& ascii) override { Heard("KeyPress", ascii); ascii = 'B'; }
-    void KeyUp(int16_t& key, int16_t& shift) override { Heard("KeyUp", key, shift); key += 1; }
     void MouseDown(int16_t& button, int16_t&, float& x, float&) override { Heard("MouseDown", button); button = 2; x = 99; }
     void MouseMove(int16_t& button, int16_t&, float&, float&) override { Heard("MouseMove", button); }
-    void MouseUp(int16_t& button, int16_t& shift, float&, float&) override { Heard("MouseUp", button); shift = 7; }
     void Click() override { Heard("Click"); }
     void DblClick() override { Heard("DblClick"); }
     void ToolTipChanged(const std::u16string& text) override { log.push_back("ToolTipChanged '" + ToUtf8(text) + "'"); }
@@ -64,16 +62,11 @@ TEST_F(Events, KeyAndMouseArgumentsChangedByTheHostComeBack) {
     EXPECT_EQ(std::pair(key, shift), (std::pair<int16_t, int16_t>(0, 4)));
     input->KeyPress(ascii);
     EXPECT_EQ(ascii, 'B');
-    key = 10;
-    platform.fileTree.Input()->KeyUp(key, shift);
-    EXPECT_EQ(key, 11);
     input->MouseDown(button, shift, x, y);
     EXPECT_EQ(std::pair(button, x), (std::pair<int16_t, float>(2, 99)));
-    input->MouseUp(button, shift, x, y);
-    EXPECT_EQ(shift, 7);
     platform.classTree.UserClick(Node(u"--C"));
     platform.fileTree.UserDblClick(kNoNode);
-    EXPECT_EQ(host.log, (Log{"KeyDown 65 1", "KeyPress 97", "KeyUp 10 4", "MouseDown 1", "MouseUp 2", "Click", "DblClick"}));
+    EXPECT_EQ(host.log, (Log{"KeyDown 65 1", "KeyPress 97", "MouseDown 1", "Click", "DblClick"}));
 }
 
 TEST_F(Events, ToolTipsFollowTheUserTextOfTheNodeUnderTheMouse) {

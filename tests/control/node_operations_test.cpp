@@ -72,20 +72,15 @@ TEST_F(NodeOperations, HeaderAndImplementationShareOneNodeUntilBothAreGone) {
     EXPECT_EQ(Node(u"**C::count"), kNoNode);
 }
 
-TEST_F(NodeOperations, FilesGoIntoTheFolderOfTheirType) {
-    view->AddFile__(MakeFile(u"/work/proj/src/a.cpp", FILETYPE_IMPLEMENTATION));
-    view->AddFile__(header);
+// Definition and Implementation are run through by the command line's file tree.
+TEST_F(NodeOperations, FormsHaveTheirFolderAndAnyOtherTypeGoesUnderOther) {
     view->AddFile__(MakeFile(u"/work/proj/main.frm", FILETYPE_FORM));
     view->AddFile__(MakeFile(u"/work/proj/notes.txt", FILETYPE_NOPARSE));
     view->AddFile__(MakeFile(u"/work/proj/odd.x", 9));
     EXPECT_EQ(Outline(1, true),
               "demo  [++demo] 10\n"
-              "  Definition  [definition] 13\n"
-              "    a.h  [/work/proj/a.h] 13\n"
               "  Forms  [Forms] 14\n"
               "    main.frm  [/work/proj/main.frm] 14\n"
-              "  Implementation  [implementation] 12\n"
-              "    a.cpp  [/work/proj/src/a.cpp] 12\n"
               "  Other  [other] 15\n"
               "    notes.txt  [/work/proj/notes.txt] 15\n"
               "    odd.x  [/work/proj/odd.x] 15\n");
