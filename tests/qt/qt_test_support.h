@@ -18,7 +18,6 @@ inline QString WriteSource(const QTemporaryDir& dir, const QString& name, const 
     return path;
 }
 
-// The first item, in tree order, whose text is exactly `text`.
 inline QTreeWidgetItem* FindItem(QTreeWidget* tree, const QString& text) {
     const QList<QTreeWidgetItem*> found = tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive);
     return found.isEmpty() ? nullptr : found.first();
