@@ -168,6 +168,8 @@ TEST_F(ClassFixture, SameFunctionWithOtherSpacingOrCaseIsOneRefreshedEntry) {
     EXPECT_EQ(f->Params(), u"( int a )");
     EXPECT_EQ(f->KeyVal(), u"FOO(INTA)");
     EXPECT_EQ(cls->func(u"foo(inta)"), f);
+    EXPECT_EQ(cls->func(u"foo(inta"), nullptr);
+    EXPECT_EQ(cls->func(u"foo(inta))"), nullptr);
     // Only spaces leave a key.
     EXPECT_EQ(clsClassObject::MakeFuncKey__(u"f", u"(int\ta)"), u"F(INT\tA)");
     EXPECT_EQ(clsClassObject::MakeFuncKey__(u"", u""), u"");

@@ -5,7 +5,6 @@
 
 using namespace kestrel;
 using namespace kestrel::test;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -96,14 +95,4 @@ TEST_F(BinaryFileFixture, OpeningMissingFilesFoldersAndExistingFilesForWriting) 
     ASSERT_TRUE(file.OpenFile(Name(), true));
     file.CloseFile();
     EXPECT_EQ(Bytes(), "");
-}
-
-TEST_F(BinaryFileFixture, ATemporaryFileIsCreatedBesideTheTarget) {
-    std::u16string temp = file.OpenTemporaryBeside(Name());
-    ASSERT_FALSE(temp.empty());
-    EXPECT_EQ(fs::path(ToUtf8(temp)).parent_path(), dir.path());
-    file.SaveNumeric(1);
-    EXPECT_TRUE(file.CloseFile());
-    EXPECT_EQ(fs::file_size(ToUtf8(temp)), 4u);
-    EXPECT_TRUE(file.OpenTemporaryBeside(FromUtf8(dir / "no/such/dir")).empty());
 }

@@ -3,7 +3,6 @@
 // would need), and with a sensible answer for the host.
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 #include <vector>
 
@@ -42,20 +41,11 @@ std::string Repeat(const std::string& line, size_t bytes) {
 
 }  // namespace
 
-TEST(HostileInput, DeepNestingAndAnUnterminatedBasicStringInAParameterList) {
+TEST(HostileInput, DeepNestingNulsAndAnUnterminatedBasicStringInAParameterList) {
     const std::string deep = std::string(5000, '{') + "\nint deep;\n" + std::string(5000, '}') + "\nint top;\n";
     EXPECT_EQ(ScanBytes(deep), (Calls{"variable\t4\t0\t::top\tint"}));
     EXPECT_EQ(ScanBytes("Private Sub A(ByVal s As String = \"x\n", LANGUAGE_BASIC), (Calls{"declare\t1\t3\t::A\t()"}));
-}
-
-TEST(HostileInput, BinaryBytesAndNulsScanInEveryLanguage) {
-    std::mt19937 random(42);
-    std::string bytes(200000, '\0');
-    for (char& b : bytes) b = static_cast<char>(random() & 0xFF);
-    test::ErrorCapture capture;  // names with codes above 256 are reported, not fatal
-    for (int16_t language : {LANGUAGE_C, LANGUAGE_JAVA, LANGUAGE_BASIC, LANGUAGE_PASCAL}) ScanBytes(bytes, language);
-    Calls calls = ScanBytes(std::string("int a;\0\0int b;\n\0class\0{\n", 24));
-    EXPECT_FALSE(calls.empty());
+    EXPECT_EQ(ScanBytes(std::string("int a;\0\0int b;\n\0class\0{\n", 24)).size(), 1u);
 }
 
 TEST(HostileInput, ATenMegabyteLine) {
