@@ -78,9 +78,6 @@ TEST(OneItem, AnItemFiledUnderItsOwnKeyIsFoundWhereverItsSpacesFall) {
         ASSERT_TRUE(items.TryAdd(item));
         EXPECT_EQ(items.Find(key), item);
         EXPECT_EQ(items.Find(name + u"(int" + ToText(spaces) + u")"), item);  // in another letter case
-        auto same = std::make_shared<clsOneItem>(UpperCase(name), u"(INT" + ToText(spaces) + u")");
-        ASSERT_TRUE(same->SetKeyValToOwn(clsOneItem::OwnKey::FunctionKey));
-        EXPECT_FALSE(items.TryAdd(same));
     }
     EXPECT_EQ(items.Count(), 8);
 
