@@ -53,11 +53,7 @@ TEST(Utf8, AnyMixOfAsciiRunsAndOtherBytesDecodesAsCharacterByCharacter) {
                             {"\xf0\x9f\x98\x80", u"\xd83d\xde00"},
                             {"\xff", u"\u00ff"},
                             {"\xe2\x82", u"\u00e2\u0082"}};
-    std::string letters, digits;
-    for (size_t k = 0; k < 40; ++k) {
-        letters += static_cast<char>('a' + k % 26);
-        digits += static_cast<char>('0' + k % 10);
-    }
+    const std::string letters = "abcdefghijklmnopqrstuvwxyzabcdefghijklmn", digits = letters;
     for (const Piece& other : others) {
         for (size_t before = 0; before <= 40; ++before) {
             for (size_t after = 0; after <= 40; ++after) {

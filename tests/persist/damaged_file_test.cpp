@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <random>
 
 #include "project_support.h"
 
@@ -39,21 +38,6 @@ TEST_F(DamagedProjectFile, EveryPrefixOfARealFileLoadsOrFails) {
     for (size_t n = 0; n <= real.size(); ++n) LoadDamaged(real.substr(0, n));
     ASSERT_TRUE(p.Load(dir / "real.kpr"));
     EXPECT_EQ(p.files->count(), 3);
-}
-
-TEST_F(DamagedProjectFile, RandomBytesAndRandomDamage) {
-    std::mt19937 random(20261121);
-    for (int round = 0; round < 300; ++round) {
-        std::string bytes = real;
-        if (round % 2 == 0) {
-            bytes.resize(random() % 400);
-            for (char& c : bytes) c = static_cast<char>(random());
-            if (round % 4 == 0 && bytes.size() >= 14) bytes.replace(0, 14, S("KESTREL1.1"));
-        } else {
-            for (int k = 0; k < 4; ++k) bytes[random() % bytes.size()] = static_cast<char>(random());
-        }
-        LoadDamaged(bytes);
-    }
 }
 
 TEST_F(DamagedProjectFile, HugeCountsEndWithTheData) {

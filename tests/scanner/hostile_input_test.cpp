@@ -3,7 +3,6 @@
 // would need), and with a sensible answer for the host.
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 #include <vector>
 
@@ -42,50 +41,30 @@ std::string Repeat(const std::string& line, size_t bytes) {
 
 }  // namespace
 
-TEST(HostileInput, DeepNestingAndAnUnterminatedBasicStringInAParameterList) {
+TEST(HostileInput, DeepNestingNulsAndAnUnterminatedBasicStringInAParameterList) {
     const std::string deep = std::string(5000, '{') + "\nint deep;\n" + std::string(5000, '}') + "\nint top;\n";
     EXPECT_EQ(ScanBytes(deep), (Calls{"variable\t4\t0\t::top\tint"}));
     EXPECT_EQ(ScanBytes("Private Sub A(ByVal s As String = \"x\n", LANGUAGE_BASIC), (Calls{"declare\t1\t3\t::A\t()"}));
-}
-
-TEST(HostileInput, BinaryBytesAndNulsScanInEveryLanguage) {
-    std::mt19937 random(42);
-    std::string bytes(200000, '\0');
-    for (char& b : bytes) b = static_cast<char>(random() & 0xFF);
-    test::ErrorCapture capture;  // names with codes above 256 are reported, not fatal
-    for (int16_t language : {LANGUAGE_C, LANGUAGE_JAVA, LANGUAGE_BASIC, LANGUAGE_PASCAL}) ScanBytes(bytes, language);
-    Calls calls = ScanBytes(std::string("int a;\0\0int b;\n\0class\0{\n", 24));
-    EXPECT_FALSE(calls.empty());
+    EXPECT_EQ(ScanBytes(std::string("int a;\0\0int b;\n\0class\0{\n", 24)).size(), 1u);
 }
 
 TEST(HostileInput, ATenMegabyteLine) {
-    std::string line;
-    line.reserve(10 << 20);
-    while (line.size() < (10u << 20)) line += "x = f(a, \"s{\", '}') /* c */ + y; ";
-    Calls calls = ScanBytes(line + "\nint after;\n");
-    ASSERT_FALSE(calls.empty());
-    EXPECT_EQ(calls.back(), "variable\t2\t0\t::after\tint");
-
-    std::string braces;
-    while (braces.size() < (2u << 20)) braces += "a{b}";
-    EXPECT_TRUE(ScanBytes(braces + "\nint z;\n").back() == "variable\t2\t0\t::z\tint");
+    const std::string line = Repeat("x = f(a, \"s{\", '}') /* c */ + y; ", 10u << 20);
+    EXPECT_EQ(ScanBytes(line + "\nint after;\n").back(), "variable\t2\t0\t::after\tint");
+    EXPECT_EQ(ScanBytes(Repeat("a{b}", 2u << 20) + "\nint z;\n").back(), "variable\t2\t0\t::z\tint");
 }
 
 TEST(HostileInput, ALongNameIsFoundAgainInLinearTime) {
     // Names that nearly repeat make naive searches quadratic.
-    std::string almost(4000, 'a');
-    std::string name = almost + "a";
-    std::string text;
-    while (text.size() < (4u << 20)) text += almost + " ";
+    const std::string almost(4000, 'a'), name = almost + "a", text = Repeat(almost + " ", 4u << 20);
     Calls calls = ScanBytes("int " + text + name + "(int x);\nint " + text + name + ";\n");
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[0].substr(0, 12), "declare\t1\t0\t");
 }
 
 TEST(HostileInput, LinesOfOnlySeparators) {
-    std::string text;
-    for (int i = 0; i < 1000; ++i) text += "};:;,.*&=<>()[]{}\"'\\/!?~^\n";
-    text += std::string(100000, ';') + "\n" + std::string(100000, '}') + "\n";
+    const std::string text = Repeat("};:;,.*&=<>()[]{}\"'\\/!?~^\n", 26000) + std::string(100000, ';') + "\n" +
+                             std::string(100000, '}') + "\n";
     test::ErrorCapture capture;
     for (int16_t language : {LANGUAGE_C, LANGUAGE_JAVA, LANGUAGE_BASIC}) ScanBytes(text, language);
     EXPECT_TRUE(capture.reports.empty());
@@ -132,9 +111,7 @@ TEST(HostileInput, FiftyMegabytesOfOneConstructScanInLinearTime) {
         SCOPED_TRACE(p.name);
         test::ErrorCapture errors;
         const std::string text = Repeat(p.line, kFileBytes);
-        const size_t lines = text.size() / p.line.size();
-        std::vector<std::string> calls = ScanBytes(text, p.language);
-        EXPECT_EQ(calls.size(), p.perLine ? p.expectedCalls * lines : p.expectedCalls);
+        EXPECT_EQ(ScanBytes(text, p.language).size(), p.perLine ? p.expectedCalls * text.size() / p.line.size() : p.expectedCalls);
         ASSERT_EQ(errors.reports.size(), p.overflowsClassStack ? 1u : 0u);
         for (const auto& report : errors.reports) EXPECT_EQ(report.title, "Sub TakeLevelsOut");
     }

@@ -1,6 +1,4 @@
 // Whole scans through the driver: files on disk, host line sources, reuse and dumps.
-// The result list keeps its records from scan to scan: what a later scan sees must be
-// its own statements only, and a huge scan must not keep its memory.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -12,7 +10,6 @@
 #include "common/constants.h"
 #include "scanner/debug_dump.h"
 #include "scanner/quillbox.h"
-#include "scanner/result_list.h"
 #include "support/error_capture.h"
 #include "support/scan_recorder.h"
 #include "support/scratch.h"
@@ -111,44 +108,6 @@ TEST(DebugDumps, WriteTheFixedFilesOfTheCurrentDirectory) {
         EXPECT_EQ(capture.Seen(), Calls{"clsQuillbox.cls|Sub DebugFile|9"});
     }
     fs::current_path(previous);
-}
-
-TEST(ResultList, AReusedRecordStartsWithEveryFieldAtItsDefault) {
-    ResultList list;
-    RWord& first = list.Add();
-    first.word = u"int a_rather_long_member_name_that_needs_the_heap;";
-    first.length = 7;
-    first.Bag = 3;
-    first.szBag = u"bag";
-    first.Class = u"CSomeClassWithALongName";
-    first.Line = 42;
-    first.Scope = PRIVATE_SCOPE;
-    list.Add().word = u"second";
-    list.clear();
-    EXPECT_TRUE(list.empty());
-    EXPECT_EQ(list.begin(), list.end());
-
-    const RWord& again = list.Add();
-    EXPECT_EQ(list.size(), 1u);
-    EXPECT_EQ(&again, &list[0]);
-    EXPECT_EQ(Dump(list), "Line:0,Class:,Scope:0 -- \n");
-    EXPECT_TRUE(again.length == 0 && again.Bag == 0 && again.szBag.empty());
-    EXPECT_EQ(list.Slots(), 2u);
-}
-
-TEST(ResultList, TrimLetsGoOfSurplusRecordsAndLongStrings) {
-    ResultList list;
-    for (int i = 0; i < 10; ++i) list.Add().word = std::u16string(i == 1 ? 5000 : 10, u'x');
-    list.clear();
-    list.Add().Class = std::u16string(5000, u'c');  // grown after the clear, before the trim
-    list.Trim(4, 100);
-    EXPECT_TRUE(list.empty());
-    EXPECT_EQ(list.Slots(), 4u);
-    for (int i = 0; i < 4; ++i) {
-        const RWord& r = list.Add();
-        EXPECT_LE(r.word.capacity(), 100u) << i;
-        EXPECT_LE(r.Class.capacity(), 100u) << i;
-    }
 }
 
 TEST(ResultList, ScansOnOneThreadSeeOnlyTheirOwnStatements) {

@@ -4,6 +4,7 @@
 // ProjectDir; Language and the mouse pointer are plain fields.
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/constants.h"
@@ -32,22 +33,22 @@ public:
         return kestrel::ExtractFilename__(path, strip, style);
     }
 
-    void AddFile__(const FilePtr& f) override { Record("AddFile " + Name(f)); }
-    void RemoveFile__(const FilePtr& f) override { Record("RemoveFile " + Name(f)); }
+    void AddFile__(const FilePtr& f) override { calls.push_back("AddFile " + Name(f)); }
+    void RemoveFile__(const FilePtr& f) override { calls.push_back("RemoveFile " + Name(f)); }
     void AddClassNode__WithDummy(const ClassPtr& c, const FilePtr& f) override {
-        Record("AddClassNode " + ToUtf8(c->Name) + " " + Name(f));
+        calls.push_back("AddClassNode " + ToUtf8(c->Name) + " " + Name(f));
     }
     void SetCurrentClass(const ClassPtr& c, const FilePtr& f) override {
-        Record("SetCurrentClass " + ToUtf8(c->Name) + " " + Name(f));
+        calls.push_back("SetCurrentClass " + ToUtf8(c->Name) + " " + Name(f));
     }
     void RemoveClass__(const ClassPtr& c, const FilePtr& f) override {
-        Record("RemoveClass " + ToUtf8(c->Name) + " " + Name(f));
+        calls.push_back("RemoveClass " + ToUtf8(c->Name) + " " + Name(f));
     }
     void AddFunction__(const ItemPtr& i, const ClassPtr& c, const FilePtr& f) override { Entry("AddFunction", i, c, f); }
     void AddVariable__(const ItemPtr& i, const ClassPtr& c, const FilePtr& f) override { Entry("AddVariable", i, c, f); }
     void RemoveFunction__(const ItemPtr& i, const ClassPtr& c, const FilePtr& f) override { Entry("RemoveFunction", i, c, f); }
     void RemoveVariable__(const ItemPtr& i, const ClassPtr& c, const FilePtr& f) override { Entry("RemoveVariable", i, c, f); }
-    void Collapse() override { Record("Collapse"); }
+    void Collapse() override { calls.push_back("Collapse"); }
     int16_t MousePointer() override { return pointer; }
     void MousePointer(int16_t p) override {
         pointer = p;
@@ -55,17 +56,12 @@ public:
     }
 
     // Calls recorded so far, then forgets them.
-    std::vector<std::string> Take() {
-        std::vector<std::string> out;
-        out.swap(calls);
-        return out;
-    }
+    std::vector<std::string> Take() { return std::exchange(calls, {}); }
 
 private:
-    void Record(std::string line) { calls.push_back(std::move(line)); }
     static std::string Name(const FilePtr& f) { return f ? ToUtf8(f->RelativeFilename()) : "-"; }
     void Entry(const char* op, const ItemPtr& i, const ClassPtr& c, const FilePtr& f) {
-        Record(std::string(op) + " " + (c ? ToUtf8(c->Name) : "-") + "::" + ToUtf8(i->Name()) + " " + Name(f));
+        calls.push_back(std::string(op) + " " + (c ? ToUtf8(c->Name) : "-") + "::" + ToUtf8(i->Name()) + " " + Name(f));
     }
 };
 
