@@ -1,5 +1,7 @@
 // What passes between the control and its host: tool tips that follow the mouse, and
 // the persisted properties.
+#include <tuple>
+
 #include "control/memory/memory_property_bag.h"
 #include "control_fixture.h"
 
@@ -8,10 +10,12 @@ namespace {
 
 using Log = std::vector<std::string>;
 
-// A host that logs the mouse moves and the tool tips it hears of. Keys and clicks are
-// delivered through the Qt widget's own tests.
+// A host that logs what it hears of and changes the arguments it may change.
 class Host : public TreeViewEvents {
 public:
+    void KeyPress(int16_t& ascii) override { log.push_back("KeyPress " + std::to_string(ascii)); ascii = 'B'; }
+    void MouseDown(int16_t& button, int16_t&, float& x, float&) override { button = 2; x = 99; }
+    void MouseUp(int16_t&, int16_t& shift, float&, float&) override { shift = 7; }
     void MouseMove(int16_t& button, int16_t&, float&, float&) override { log.push_back("MouseMove " + std::to_string(button)); }
     void ToolTipChanged(const std::u16string& text) override { log.push_back("ToolTipChanged '" + ToUtf8(text) + "'"); }
 
@@ -40,6 +44,18 @@ protected:
     Host host;
     float runRow = 0;
 };
+
+TEST_F(Events, ArgumentsChangedByTheHostComeBackToTheTree) {
+    TreeInput* input = platform.classTree.Input();
+    int16_t ascii = 'a', button = 1, shift = 1;
+    float x = 3, y = 4;
+    input->KeyPress(ascii);
+    input->MouseDown(button, shift, x, y);
+    EXPECT_EQ(std::tuple(ascii, button, x), std::tuple(int16_t{'B'}, int16_t{2}, 99.0f));
+    input->MouseUp(button, shift, x, y);
+    EXPECT_EQ(shift, 7);
+    EXPECT_EQ(host.log, Log{"KeyPress 97"});
+}
 
 TEST_F(Events, ToolTipsFollowTheUserTextOfTheNodeUnderTheMouse) {
     EXPECT_EQ(Move(runRow), u"runs it");
