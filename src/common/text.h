@@ -1,6 +1,7 @@
 #pragma once
 // Text helpers shared by every subsystem. All texts are UTF-16 code units
 // (std::u16string); positions count code units.
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,13 @@ std::u16string UpperCase(std::u16string_view s);
 std::u16string TrimSpaces(std::u16string_view s);
 // The same, as a view into s.
 std::u16string_view TrimmedView(std::u16string_view s);
+
+// Whether two texts hold the same units. The standard library compares UTF-16 texts one
+// unit at a time; the names and parameter lists compared for every declaration are
+// long enough for a block comparison to pay.
+inline bool SameText(std::u16string_view a, std::u16string_view b) {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+}
 
 // UTF-8 in, UTF-16 out. Validated strictly: overlong forms, encoded surrogates and
 // values above U+10FFFF are invalid; every byte that is not part of a valid sequence

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/constants.h"
+#include "common/text.h"
 #include "errorlog/resume.h"
 #include "persist/binary_file.h"
 
@@ -109,7 +110,7 @@ void clsClassObject::AddFunction__(std::u16string_view name, int32_t line, int32
         if (item->Scope != stored) item->Scope = stored;
         // An item found under this key with these very parameters is keyed by them
         // already; anything else is filed under the key as given.
-        const bool sameParams = item->Params() == params;
+        const bool sameParams = SameText(item->Params(), params);
         if (!sameParams) item->SetParams(params);
         if (!sameParams || !item->KeyedByFunctionKey()) item->SetKeyVal(MakeFuncKey__(name, params));
         IgnoreErrors([&] { Required(sink).AddFunction__(item, shared_from_this(), file); });
@@ -131,7 +132,7 @@ void clsClassObject::AddVariable__(std::u16string_view name, int32_t line, int32
         item->Used = true;
         if (item->Line != line) item->Line = line;
         if (item->Scope != scope) item->Scope = scope;
-        if (item->Params() != params) item->SetParams(params);
+        if (!SameText(item->Params(), params)) item->SetParams(params);
     });
     // Unlike AddFunction__, an error from the sink reaches the caller.
     Required(sink).AddVariable__(item, shared_from_this(), file);

@@ -6,6 +6,7 @@
 #include "errorlog/resume.h"
 #include "persist/binary_file.h"
 #include "scanner/quillbox.h"
+#include "scanner/text_search.h"
 
 namespace kestrel {
 
@@ -100,7 +101,7 @@ void clsOneFile::ExtractClassInfo(const std::u16string& fullName, std::u16string
 
 void clsOneFile::SplitClassInfo(std::u16string_view fullName, std::u16string_view& className,
                                 std::u16string_view& memberName) {
-    size_t p = fullName.find(u"::");
+    size_t p = FindText(fullName, u"::");
     if (p == std::u16string_view::npos) {
         className = {};
         memberName = fullName;
@@ -113,7 +114,7 @@ void clsOneFile::SplitClassInfo(std::u16string_view fullName, std::u16string_vie
 
 ClassPtr clsOneFile::ClassFor(std::u16string_view className) {
     RunningUpdate* last = update_;
-    if (last && last->found && last->removals == classes_.Removals() && last->className == className)
+    if (last && last->found && last->removals == classes_.Removals() && SameText(last->className, className))
         return last->found;
     const auto probe = classes_.Locate(className);
     ClassPtr c = probe.found;
@@ -157,7 +158,7 @@ void clsOneFile::WriteVariable__(const std::u16string& fullName, int32_t line, i
                                  const std::u16string& params) {
     Trap(kModule, "Sub WriteVariable__", [&] {
         // A declarator list the scanner did not split ("a, b") is dropped on purpose.
-        if (fullName.find(u',') != std::u16string::npos) return;
+        if (FindUnit(fullName, u',') != std::u16string::npos) return;
         std::u16string_view className, memberName;
         SplitClassInfo(fullName, className, memberName);
         std::shared_ptr<ModelSink> heldSink;

@@ -25,7 +25,7 @@ void KeepTrimmed(std::u16string& text, size_t from) {
 }
 
 bool IsDestructorOf(std::u16string_view name, std::u16string_view className) {
-    return !name.empty() && name[0] == u'~' && name.substr(1) == className;
+    return !name.empty() && name[0] == u'~' && SameText(name.substr(1), className);
 }
 
 }  // namespace
@@ -62,13 +62,13 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
         }
         if (head.empty()) return;
 
-        size_t blank = head.rfind(u' ');
+        size_t blank = FindLastUnit(head, u' ');
         if (blank != npos) head = TrimmedView(head.substr(blank + 1));
         if (head.empty()) return;
 
         std::u16string_view prefix;
         if (isOperator) {
-            size_t at = head.find(u"operator");
+            size_t at = FindText(head, u"operator");
             if (at != npos) head.remove_prefix(at + 8);
             prefix = u"operator ";
         }
@@ -84,7 +84,7 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
         }
         // Nothing before the name: only a constructor or destructor is a declaration
         // (this rejects calls such as foo(1); and macro lines).
-        if (sep == -1 && !isOperator && head != className && !IsDestructorOf(head, className)) return;
+        if (sep == -1 && !isOperator && !SameText(head, className) && !IsDestructorOf(head, className)) return;
 
         output.WriteDeclare__(QualifiedName(className, prefix, head), wrd.Line, wrd.Scope, params.CollectParams(wrd));
     });
@@ -107,21 +107,21 @@ void CAnalysis::ProcessCVariable(RWord& wrd) {
 
         // Cutting after the first ":" and trimming, again and again, leaves the
         // trimmed text after the last one: access labels and every qualifier go.
-        size_t colon = word.rfind(u':');
+        size_t colon = FindLastUnit(word, u':');
         if (colon != npos) KeepTrimmed(word, colon + 1);
 
-        size_t bracket = word.find(u'[');
+        size_t bracket = FindUnit(word, u'[');
         if (bracket != npos) word.resize(bracket);
 
-        size_t paren = word.find(u'(');
+        size_t paren = FindUnit(word, u'(');
         if (paren == npos) {
-            if (word.find(u',') != npos) return;  // several variables: skipped whole
+            if (FindUnit(word, u',') != npos) return;  // several variables: skipped whole
         } else {
-            size_t eq = word.find(u'=');
+            size_t eq = FindUnit(word, u'=');
             if (eq == npos || eq > paren) return;
         }
 
-        size_t eq = word.find(u'=');
+        size_t eq = FindUnit(word, u'=');
         std::u16string_view decl = TrimmedView(std::u16string_view(word).substr(0, eq));
 
         size_t k = decl.size();

@@ -5,6 +5,7 @@
 
 #include "common/text.h"
 #include "errorlog/errorlog.h"
+#include "scanner/text_search.h"
 
 namespace kestrel {
 
@@ -122,7 +123,7 @@ const std::u16string& ParamCollector::CollectParams(const RWord& wrd) {
     result_.clear();
     Trap(kModule, "Function CollectParams", [&] {
         std::u16string_view text = wrd.word;
-        size_t open = text.find(u'(');
+        size_t open = FindUnit(text, u'(');
         if (open == npos) return;
         text = text.substr(open + 1);
 
@@ -132,7 +133,7 @@ const std::u16string& ParamCollector::CollectParams(const RWord& wrd) {
             return;
         }
         if (!text.empty() && text.back() == u';') {
-            size_t close = text.rfind(u')');
+            size_t close = FindLastUnit(text, u')');
             if (close != npos) {
                 result_.assign(u"(").append(text.substr(0, close + 1));
                 return;

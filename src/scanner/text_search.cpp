@@ -117,7 +117,24 @@ size_t FindText(std::u16string_view hay, std::u16string_view needle, size_t from
     return at == npos ? at : at + from;
 }
 
+size_t FindLastUnit(std::u16string_view hay, char16_t unit) {
+    const char16_t* h = hay.data();
+    size_t i = hay.size();
+#if defined(__SSE2__)
+    const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
+    for (; i >= 8; i -= 8) {
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i - 8));
+        const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(a, wanted)));
+        if (mask != 0) return i - 8 + static_cast<size_t>(31 - __builtin_clz(mask)) / 2;
+    }
+#endif
+    while (i > 0)
+        if (h[--i] == unit) return i;
+    return npos;
+}
+
 size_t FindLastText(std::u16string_view hay, std::u16string_view needle) {
+    if (needle.size() == 1) return FindLastUnit(hay, needle[0]);
     if (needle.size() <= kShortNeedle) return hay.rfind(needle);
     if (needle.size() > hay.size()) return npos;
     // Search the reversed needle in the reversed text.

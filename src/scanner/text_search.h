@@ -13,6 +13,8 @@ namespace kestrel {
 size_t FindText(std::u16string_view hay, std::u16string_view needle, size_t from = 0);
 // First occurrence of one code unit at or after `from`; npos when absent.
 size_t FindUnit(std::u16string_view hay, char16_t unit, size_t from = 0);
+// Last occurrence of one code unit; npos when absent.
+size_t FindLastUnit(std::u16string_view hay, char16_t unit);
 // Last occurrence of needle in hay; npos when absent.
 size_t FindLastText(std::u16string_view hay, std::u16string_view needle);
 
