@@ -94,6 +94,22 @@ struct SeenUnits {
 
 constexpr size_t kChunk = 8;
 
+// Where a line's leading blanks end. Indentation is often most of a short line, so
+// it is passed over kChunk units at a time.
+inline size_t IndentationEnd(const char16_t* text, size_t n) {
+    size_t i = 0;
+#if defined(__SSE2__)
+    const __m128i space = _mm_set1_epi16(u' '), tab = _mm_set1_epi16(u'\t');
+    for (; i + kChunk <= n; i += kChunk) {
+        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
+        const int blanks = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(units, space), _mm_cmpeq_epi16(units, tab)));
+        if (blanks != 0xFFFF) return i + static_cast<size_t>(__builtin_ctz(~blanks)) / 2;
+    }
+#endif
+    while (i < n && (text[i] == u' ' || text[i] == u'\t')) ++i;
+    return i;
+}
+
 // Cleans kChunk units at once when none of them is a blank that goes (one right after
 // a blank): tabs become spaces and the units move down to `to`, which never lies after
 // `from`; answers 0. Otherwise writes nothing and answers how many units, up to the
@@ -134,8 +150,7 @@ std::u16string& Clean(std::u16string& line, UnitSet* present) {
     SeenUnits* record = present ? &seen : nullptr;
     size_t out = 0;
     bool afterBlank = true;
-    size_t i = 0;
-    while (i < n && (text[i] == u' ' || text[i] == u'\t')) ++i;  // indentation goes whole
+    size_t i = IndentationEnd(text, n);  // indentation goes whole
     while (i < n) {
         const size_t oneByOne = n - i >= kChunk ? CleanChunk(text + i, text + out, afterBlank, record) : n - i;
         if (oneByOne == 0) {

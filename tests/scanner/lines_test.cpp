@@ -67,7 +67,11 @@ TEST(CleanLine, CollapsesWhiteSpaceAndDropsLeadingBlanks) {
                                  {u"   ", u""},
                                  {u"a \t b\t", u"a b "},
                                  {u"", u""},
-                                 {u"x\r\v", u"x\r\v"}})
+                                 {u"x\r\v", u"x\r\v"},
+                                 // indentation ending on, before and past a run of eight units
+                                 {u"\t       x", u"x"},
+                                 {u"  \t \t  \t \t\t  int a  =  b ; // long enough", u"int a = b ; // long enough"},
+                                 {std::u16string(17, u' '), u""}})
         EXPECT_EQ(CleanLine(line), cleaned);
 }
 
