@@ -61,6 +61,37 @@ TEST_F(Selection, FileViewAnswersFilesOnlyForFileNodesAndAnUnknownStyleNothing) 
     EXPECT_EQ(view->GetSelectedFile(), nullptr);
 }
 
+TEST_F(Selection, NothingIsSelectedOnceTheSelectedNodeOrOneAboveItIsRemoved) {
+    const std::u16string header = Path("shape.h");
+    const auto nothingSelected = [&](int16_t index) {
+        EXPECT_EQ(platform.Tree(index).Selected(), kNoNode);
+        EXPECT_EQ(view->WhatIsSelected(), index == 0 ? ST_UNKNOWN : ST_FILE);
+        EXPECT_EQ(view->GetSelectedClass(), nullptr);
+        EXPECT_EQ(view->GetSelectedFile(), nullptr);
+        EXPECT_EQ(view->GetSelectedText(), u"");
+    };
+    // A member that a rescan no longer finds, then its whole class.
+    platform.classTree.Select(Node(u"!!Shape::AREA(INTSCALE)"));
+    Write("shape.h", "class Shape {\npublic:\n    int width;\n};\n");
+    view->files()->FindFile(header)->UpdateFile();
+    nothingSelected(0);
+    platform.classTree.Select(Node(u"``Shape"));
+    Write("shape.h", "");
+    view->files()->FindFile(header)->UpdateFile();
+    ASSERT_EQ(Node(u"--Shape"), kNoNode);
+    nothingSelected(0);
+
+    // A file removed from the project, and a new project clearing the trees.
+    view->ViewStyle(prvFiles);
+    platform.fileTree.Select(Node(header, 1));
+    ASSERT_TRUE(view->files()->Remove(header));
+    nothingSelected(1);
+    platform.fileTree.Select(Node(Path("notes.txt"), 1));
+    view->NewProject(Path("other.kpr"), LANGUAGE_C, 0);
+    nothingSelected(1);
+    EXPECT_TRUE(errors.reports.empty());
+}
+
 TEST_F(Selection, ProjectNameIsCapitalisedAndCutAtItsFirstDot) {
     EXPECT_EQ(view->GetProjectName(), u"Myproj");
     view->NewProject(u"/p/my.proj.kpr", LANGUAGE_C, 0);

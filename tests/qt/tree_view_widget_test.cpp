@@ -8,9 +8,11 @@
 
 #include "common/constants.h"
 #include "model/all_files.h"
+#include "qt/image_list.h"
 #include "qt/tree_view_widget.h"
 #include "qt_test_support.h"
 
+using kestrel::qt::ImageList;
 using kestrel::qt::TreeViewWidget;
 using namespace kestrel::test;
 
@@ -27,6 +29,11 @@ private:
     std::unique_ptr<TreeViewWidget> view_;
 
     QTreeWidget* ClassTree() const { return view_->tree(0); }
+
+    // Whether the item is drawn with that picture of the image list.
+    static bool Shows(const QTreeWidgetItem* item, int image) {
+        return item->icon(0).pixmap(16).toImage() == ImageList::Instance().Icon(image).pixmap(16).toImage();
+    }
 
     static void CompareWithDisplay(kestrel::PlatformTree& nodes, kestrel::NodeId parent, QTreeWidget* tree,
                                    QTreeWidgetItem* item) {
@@ -88,9 +95,37 @@ private slots:
         QCOMPARE(ChildTexts(shape), folders);
         QCOMPARE(ChildTexts(shape->child(0)), functions);
         QCOMPARE(ChildTexts(shape->child(1)), (QStringList{"int x", "int y"}));
-        // Each entry shows the picture of its scope.
-        const auto picture = [](QTreeWidgetItem* item) { return item->icon(0).pixmap(16).toImage(); };
-        QVERIFY(picture(shape->child(0)->child(0)) != picture(shape->child(0)->child(2)));  // public, private
+        // Each entry shows the picture of its scope; the folders have pictures of their own.
+        QVERIFY(Shows(shape->child(0)->child(0), 6) && Shows(shape->child(0)->child(2), 8));  // public, private
+        QVERIFY(Shows(shape, 1) && Shows(shape->child(0), ImageList::kFunctionsFolder) &&
+                Shows(shape->child(1), ImageList::kVariablesFolder));
+    }
+
+    void theFileViewShowsTheFolderPictureOnItsFilesAndTheProjectOpenWhileExpanded() {
+        view_->control().NewProject(dir_.filePath("demo.kpr").toStdU16String(), kestrel::LANGUAGE_C, 1);
+        const struct { const char* folder; int type, image; QStringList files; } folders[] = {
+            {"Implementation", kestrel::FILETYPE_IMPLEMENTATION, 12, {"a.cpp", "b.cpp"}},
+            {"Definition", kestrel::FILETYPE_DEFINITION, 13, {"a.h"}},
+            {"Forms", kestrel::FILETYPE_FORM, 14, {"main.frm"}},
+            {"Other", kestrel::FILETYPE_NOPARSE, 15, {"notes.txt"}}};
+        for (const auto& f : folders)
+            for (const QString& name : f.files)
+                view_->files()->Add(WriteSource(dir_, name, "").toStdU16String(), f.type);
+        QTreeWidget* tree = view_->tree(1);
+        QTreeWidgetItem* project = tree->topLevelItem(0);
+        QVERIFY(Shows(project, 10));
+        tree->expandItem(project);
+        QVERIFY(Shows(project, 11));
+        // A folder met again for a second file keeps its picture when opened too.
+        for (const auto& f : folders) {
+            QTreeWidgetItem* folder = FindItem(tree, f.folder);
+            tree->expandItem(folder);
+            QVERIFY2(Shows(folder, f.image), f.folder);
+            QCOMPARE(ChildTexts(folder), f.files);
+            for (int i = 0; i < folder->childCount(); ++i) QVERIFY(Shows(folder->child(i), f.image));
+        }
+        tree->collapseItem(project);
+        QVERIFY(Shows(project, 10));
     }
 
     void theHourglassIsTheApplicationsWaitCursorAndTheHandleIsTheWidgets() {
