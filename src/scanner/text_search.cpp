@@ -1,7 +1,8 @@
 #include "scanner/text_search.h"
 
-#include <cstring>
 #include <vector>
+
+#include "common/text.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -34,10 +35,6 @@ size_t KmpSearch(size_t hayLength, Hay hay, size_t needleLength, Needle needle) 
     return npos;
 }
 
-bool SameUnits(const char16_t* a, const char16_t* b, size_t n) {
-    return std::memcmp(a, b, n * sizeof(char16_t)) == 0;
-}
-
 // A short needle: candidates are the places where its first and its last unit both
 // stand at the right distance, found eight places at a time; each is then compared.
 size_t ShortSearch(std::u16string_view hay, std::u16string_view needle, size_t from) {
@@ -64,7 +61,7 @@ size_t ShortSearch(std::u16string_view hay, std::u16string_view needle, size_t f
             mask &= ~((1u << skip) - 1);
             while (mask != 0) {
                 const size_t at = i + static_cast<size_t>(__builtin_ctz(mask)) / 2;
-                if (n <= 2 || SameUnits(h + at + 1, needle.data() + 1, n - 2)) return at;
+                if (n <= 2 || SameText({h + at + 1, n - 2}, needle.substr(1, n - 2))) return at;
                 mask &= ~(3u << __builtin_ctz(mask));  // both bits of the lane
             }
         }
@@ -72,7 +69,8 @@ size_t ShortSearch(std::u16string_view hay, std::u16string_view needle, size_t f
     }
 #endif
     for (; i < end; ++i) {
-        if (h[i] == needle[0] && h[i + last] == needle[last] && (n <= 2 || SameUnits(h + i + 1, needle.data() + 1, n - 2)))
+        if (h[i] == needle[0] && h[i + last] == needle[last] &&
+            (n <= 2 || SameText({h + i + 1, n - 2}, needle.substr(1, n - 2))))
             return i;
     }
     return npos;
