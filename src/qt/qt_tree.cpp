@@ -166,9 +166,18 @@ void QtTree::Forget(NodeId node) {
 
 void QtTree::Remove(NodeId node) {
     QTreeWidgetItem* item = ItemOf(node);
+    // Qt hands the selection of a deleted row to a neighbour without a click the host
+    // would hear of; the control's trees lose it instead.
+    bool holdsSelection = false;
+    for (const QTreeWidgetItem* selected : widget_->selectedItems())
+        for (const QTreeWidgetItem* up = selected; up && !holdsSelection; up = up->parent()) holdsSelection = up == item;
     Forget(node);
     structure_.Remove(node);
     delete item;  // takes its children with it
+    if (holdsSelection) {
+        widget_->setCurrentItem(nullptr);
+        widget_->clearSelection();
+    }
 }
 
 void QtTree::Clear() {

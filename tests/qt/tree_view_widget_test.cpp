@@ -101,6 +101,33 @@ private slots:
                 Shows(shape->child(1), ImageList::kVariablesFolder));
     }
 
+    // Qt on its own would move the selection to a neighbouring row without the host
+    // hearing a Click; the control leaves nothing selected instead, as in memory.
+    void removingTheSelectedEntryOrItsFileLeavesNothingSelected() {
+        OpenShapeProject();
+        const auto select = [](QTreeWidget* tree, QTreeWidgetItem* item) {
+            QVERIFY(item);
+            QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, CenterOf(tree, item));
+            QCOMPARE(tree->selectedItems(), QList<QTreeWidgetItem*>{item});
+        };
+        select(ClassTree(), FindItem(ClassTree(), "Area()"));
+        const QString header = WriteSource(dir_, "shape.h", "class Shape {\npublic:\n    int width;\n};\n");
+        view_->files()->FindFile(header.toStdU16String())->UpdateFile();
+        QVERIFY(!FindItem(ClassTree(), "Area()"));
+        QVERIFY(ClassTree()->selectedItems().isEmpty());
+        QCOMPARE(view_->control().WhatIsSelected(), kestrel::ST_UNKNOWN);
+
+        view_->setProperty("ViewStyle", kestrel::prvFiles);
+        QTreeWidget* files = view_->tree(1);
+        files->expandItem(files->topLevelItem(0));
+        files->expandItem(FindItem(files, "Definition"));
+        view_->files()->Add(WriteSource(dir_, "other.h", "").toStdU16String(), kestrel::FILETYPE_DEFINITION);
+        select(files, FindItem(files, "shape.h"));
+        QVERIFY(view_->files()->Remove(header.toStdU16String()));
+        QVERIFY(files->selectedItems().isEmpty());
+        QCOMPARE(view_->control().GetSelectedFile(), nullptr);
+    }
+
     void theFileViewShowsTheFolderPictureOnItsFilesAndTheProjectOpenWhileExpanded() {
         view_->control().NewProject(dir_.filePath("demo.kpr").toStdU16String(), kestrel::LANGUAGE_C, 1);
         const struct { const char* folder; int type, image; QStringList files; } folders[] = {
