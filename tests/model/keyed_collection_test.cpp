@@ -142,15 +142,6 @@ TEST(KeyHash, ALongKeyHashesAndIsFoundAlikeWhereverItsSpacesItsCaseAndItsSplitFa
     EXPECT_EQ(spacedKey.LocateJoined(u"f", u"(int)").found, nullptr);
 }
 
-TEST(KeyHash, TrailingNulUnitsAndSpacesOnlyKeysAreToldApart) {
-    const std::u16string a(u"A"), aNul(u"A\0", 2), aNulNul(u"A\0\0", 3);
-    EXPECT_NE(KeyHash().Add(a).Value(), KeyHash().Add(aNul).Value());
-    EXPECT_NE(KeyHash().Add(aNul).Value(), KeyHash().Add(aNulNul).Value());
-    // Spaces are no units of the key: only spaces hash as the empty key.
-    EXPECT_EQ(KeyHash().Add(u"    ").Value(), KeyHash().Value());
-    EXPECT_NE(KeyHash().Add(std::u16string(1, u'\0')).Value(), KeyHash().Value());
-}
-
 TEST(KeyHash, PackingEightAtATimeKeepsWhatPackingOneByOneKeeps) {
     // Texts of every length up to three groups of eight, drawn from letters of both
     // cases, spaces, punctuation and units beyond ASCII (which make a group go one by one).

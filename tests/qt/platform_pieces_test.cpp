@@ -25,14 +25,6 @@ private slots:
         }
     }
 
-    void highDensityScreensGetPicturesDrawnAtTheirOwnResolution() {
-        const QImage sharp = ImageList::Render(1, 2.0);
-        QCOMPARE(sharp.size(), QSize(32, 32));
-        QCOMPARE(sharp.devicePixelRatio(), 2.0);
-        QVERIFY(ImageList::Instance().Icon(0).isNull());
-        QVERIFY(ImageList::Instance().Icon(ImageList::kCount + 1).isNull());
-    }
-
     void keysModifiersAndButtonsBecomeTheEventsCodes() {
         const struct { int key; Qt::KeyboardModifiers modifiers; int code; } keys[] = {
             {Qt::Key_Q, {}, 81}, {Qt::Key_7, Qt::KeypadModifier, 103}, {Qt::Key_Right, {}, 39},

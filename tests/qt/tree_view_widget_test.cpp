@@ -155,16 +155,6 @@ private slots:
         QVERIFY(Shows(project, 10));
     }
 
-    void theHourglassIsTheApplicationsWaitCursorAndTheHandleIsTheWidgets() {
-        view_->control().MousePointer(kestrel::kPointerHourglass);
-        QVERIFY(QApplication::overrideCursor());
-        QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
-        view_->control().MousePointer(kestrel::kPointerHourglass);
-        view_->control().MousePointer(kestrel::kPointerDefault);
-        QVERIFY(!QApplication::overrideCursor());
-        QCOMPARE(view_->control().hWnd(), static_cast<std::intptr_t>(view_->winId()));
-    }
-
     void clicksAndKeysReachTheHostWhichMayKeepAKeyFromTheTreeAndTheStyleSwitchesTrees() {
         OpenShapeProject();
         QStringList heard;
@@ -180,7 +170,6 @@ private slots:
         QCOMPARE(heard, (QStringList{"down 1", "up 1", "click"}));
         // The click has selected the node by the time the host hears of it.
         QCOMPARE(view_->control().WhatIsSelected(), kestrel::ST_CLASS);
-
 
         heard.clear();
         QTest::keyClick(ClassTree(), Qt::Key_Up, Qt::ShiftModifier);

@@ -62,14 +62,6 @@ TEST(HostileInput, ALongNameIsFoundAgainInLinearTime) {
     EXPECT_EQ(calls[0].substr(0, 12), "declare\t1\t0\t");
 }
 
-TEST(HostileInput, LinesOfOnlySeparators) {
-    const std::string text = Repeat("};:;,.*&=<>()[]{}\"'\\/!?~^\n", 26000) + std::string(100000, ';') + "\n" +
-                             std::string(100000, '}') + "\n";
-    test::ErrorCapture capture;
-    for (int16_t language : {LANGUAGE_C, LANGUAGE_JAVA, LANGUAGE_BASIC}) ScanBytes(text, language);
-    EXPECT_TRUE(capture.reports.empty());
-}
-
 TEST(HostileInput, GatheredParameterTextStopsAt65536Units) {
     // Basic keeps the lines inside procedures, so a list that never closes would take
     // in the rest of the file, for every procedure (the block pass has already emptied

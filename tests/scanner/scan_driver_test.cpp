@@ -1,4 +1,4 @@
-// Whole scans through the driver: files on disk, host line sources, reuse and dumps.
+// Whole scans through the driver: files on disk, host line sources and reuse.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -12,7 +12,6 @@
 #include "scanner/quillbox.h"
 #include "support/error_capture.h"
 #include "support/scan_recorder.h"
-#include "support/scratch.h"
 #include "support/text_lines.h"
 
 using namespace kestrel;
@@ -88,26 +87,6 @@ TEST(ParseEmbeededFile, AHostLineWithALineFeedMakesTheFollowingLinesSkipAhead) {
     test::TextLines trailing{u"int a;\n"};
     q.ParseEmbeededFile(out, LANGUAGE_C, trailing);
     EXPECT_EQ(q.dump, "1 -- int a;\n2 -- \n");
-}
-
-TEST(DebugDumps, WriteTheFixedFilesOfTheCurrentDirectory) {
-    namespace fs = std::filesystem;
-    test::ScratchDir dir;
-    fs::path previous = fs::current_path();
-    fs::current_path(dir.path());
-    {
-        test::ErrorCapture capture;
-        clsQuillbox q;
-        q.DebugFile();  // nothing scanned yet: an empty dump
-        EXPECT_EQ(test::ReadFileBytes("c:\\debug.txt"), "");
-        ScanBytes("class CFoo\n{\npublic:\nint Count;\n};\n", LANGUAGE_C, &q);
-        q.DebugResult();
-        EXPECT_EQ(test::ReadFileBytes("c:\\debug_result.txt"), Dump(q.Results()));
-        // The line array is gone after a scan; the dump runs into its end.
-        q.DebugFile();
-        EXPECT_EQ(capture.Seen(), Calls{"clsQuillbox.cls|Sub DebugFile|9"});
-    }
-    fs::current_path(previous);
 }
 
 TEST(ResultList, ScansOnOneThreadSeeOnlyTheirOwnStatements) {
