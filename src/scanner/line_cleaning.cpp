@@ -94,29 +94,42 @@ struct SeenUnits {
 
 constexpr size_t kChunk = 8;
 
+// Lines are cleaned either in place or straight from the bytes of a plain ASCII line,
+// each byte one unit; one routine serves both through these loads.
+inline char16_t UnitAt(const char16_t* text, size_t i) { return text[i]; }
+inline char16_t UnitAt(const unsigned char* bytes, size_t i) { return bytes[i]; }
+#if defined(__SSE2__)
+inline __m128i LoadChunk(const char16_t* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
+inline __m128i LoadChunk(const unsigned char* bytes) {
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes)), _mm_setzero_si128());
+}
+#endif
+
 // Where a line's leading blanks end. Indentation is often most of a short line, so
 // it is passed over kChunk units at a time.
-inline size_t IndentationEnd(const char16_t* text, size_t n) {
+template <class Unit>
+inline size_t IndentationEnd(const Unit* text, size_t n) {
     size_t i = 0;
 #if defined(__SSE2__)
     const __m128i space = _mm_set1_epi16(u' '), tab = _mm_set1_epi16(u'\t');
     for (; i + kChunk <= n; i += kChunk) {
-        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
+        const __m128i units = LoadChunk(text + i);
         const int blanks = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(units, space), _mm_cmpeq_epi16(units, tab)));
         if (blanks != 0xFFFF) return i + static_cast<size_t>(__builtin_ctz(~blanks)) / 2;
     }
 #endif
-    while (i < n && (text[i] == u' ' || text[i] == u'\t')) ++i;
+    while (i < n && (UnitAt(text, i) == u' ' || UnitAt(text, i) == u'\t')) ++i;
     return i;
 }
 
 // Cleans kChunk units at once when none of them is a blank that goes (one right after
 // a blank): tabs become spaces and the units move down to `to`, which never lies after
-// `from`; answers 0. Otherwise writes nothing and answers how many units, up to the
-// last blank that goes, must be cleaned one by one.
-inline size_t CleanChunk(const char16_t* from, char16_t* to, bool& afterBlank, SeenUnits* seen) {
+// the units read when cleaning in place; answers 0. Otherwise writes nothing and
+// answers how many units, up to the last blank that goes, must be cleaned one by one.
+template <class Unit>
+inline size_t CleanChunk(const Unit* from, char16_t* to, bool& afterBlank, SeenUnits* seen) {
 #if defined(__SSE2__)
-    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    const __m128i units = LoadChunk(from);
     const __m128i space = _mm_set1_epi16(u' ');
     const __m128i tab = _mm_cmpeq_epi16(units, _mm_set1_epi16(u'\t'));
     const int blanks = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(units, space), tab));  // two bits per unit
@@ -143,33 +156,36 @@ inline size_t CleanChunk(const char16_t* from, char16_t* to, bool& afterBlank, S
 // A blank is kept only after something that is not a blank, so leading blanks and
 // runs both go. Chunks without such blanks (most of a line past its indentation) go
 // through CleanChunk; runs of blanks unit by unit, without branches on the characters.
-std::u16string& Clean(std::u16string& line, UnitSet* present) {
-    char16_t* text = line.data();
-    const size_t n = line.size();
-    SeenUnits seen;
-    SeenUnits* record = present ? &seen : nullptr;
+// Writes the cleaned units to `to` (which may be `text` itself) and answers how many.
+template <class Unit>
+size_t CleanUnits(const Unit* text, size_t n, char16_t* to, SeenUnits* record) {
     size_t out = 0;
     bool afterBlank = true;
     size_t i = IndentationEnd(text, n);  // indentation goes whole
     while (i < n) {
-        const size_t oneByOne = n - i >= kChunk ? CleanChunk(text + i, text + out, afterBlank, record) : n - i;
+        const size_t oneByOne = n - i >= kChunk ? CleanChunk(text + i, to + out, afterBlank, record) : n - i;
         if (oneByOne == 0) {
             i += kChunk;
             out += kChunk;
             continue;
         }
         for (const size_t end = i + oneByOne; i < end; ++i) {
-            const char16_t c = text[i];
+            const char16_t c = UnitAt(text, i);
             const bool blank = c == u' ' || c == u'\t';
             const char16_t kept = blank ? u' ' : c;
-            text[out] = kept;
+            to[out] = kept;
             if (record) record->Add(kept);
             out += !(blank && afterBlank);
             afterBlank = blank;
         }
     }
+    return out;
+}
+
+std::u16string& Clean(std::u16string& line, UnitSet* present) {
+    SeenUnits seen;
+    line.resize(CleanUnits(line.data(), line.size(), line.data(), present ? &seen : nullptr));
     if (present) seen.AddTo(*present);
-    line.resize(out);
     return line;
 }
 
@@ -178,6 +194,13 @@ std::u16string& Clean(std::u16string& line, UnitSet* present) {
 std::u16string& CleanLine(std::u16string& line) { return Clean(line, nullptr); }
 
 std::u16string& CleanLine(std::u16string& line, UnitSet& present) { return Clean(line, &present); }
+
+void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present) {
+    SeenUnits seen;
+    line.resize(bytes.size());
+    line.resize(CleanUnits(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), line.data(), &seen));
+    seen.AddTo(present);
+}
 
 void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
                     const std::vector<UnitSet>* present) {

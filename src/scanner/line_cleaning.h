@@ -2,6 +2,7 @@
 // Normalising white space in one line, and removing comments from the line array.
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "scanner/syntax.h"
@@ -14,6 +15,9 @@ namespace kestrel {
 std::u16string& CleanLine(std::u16string& line);
 // As CleanLine, recording in `present` every code unit the cleaned line holds.
 std::u16string& CleanLine(std::u16string& line, UnitSet& present);
+// As CleanLine with `present`, on a line of ASCII bytes, each one unit: decoding and
+// cleaning in one pass. `line`'s old text is replaced.
+void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present);
 
 // Removes one-line and multi-line comments from lines 1 to lineCount, carrying an
 // open multi-line comment from line to line. Knows nothing of string literals.

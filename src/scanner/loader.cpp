@@ -8,8 +8,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "common/text.h"
 #include "errorlog/errorlog.h"
+#include "scanner/line_cleaning.h"
 
 namespace kestrel {
 
@@ -108,29 +113,63 @@ std::u16string clsLoader::ReadLine() {
     return line;
 }
 
-void clsLoader::ReadLineInto(std::u16string& line) {
+void clsLoader::ReadLineInto(std::u16string& line) { Read(line, nullptr); }
+
+void clsLoader::ReadCleanLineInto(std::u16string& line, UnitSet& present) { Read(line, &present); }
+
+void clsLoader::Read(std::u16string& line, UnitSet* present) {
+    bool cleaned = false;
     line.clear();
     if (!open_ || EndOfFile || pos_ >= size_) {
         EndOfFile = true;
-        return;
+    } else {
+        Trap(kModule, "Function ReadLine", [&] {
+            if (encoding_ != Encoding::Utf8) return ReadUtf16Line(line);
+            bool ascii = false;
+            const std::string_view bytes = NextUtf8Line(ascii);
+            if (ascii && present) {
+                CleanAsciiLine(bytes, line, *present);
+                cleaned = true;
+            } else {
+                AppendUtf8(line, bytes);
+            }
+        });
     }
-    Trap(kModule, "Function ReadLine", [&] {
-        if (encoding_ == Encoding::Utf8) ReadUtf8Line(line);
-        else ReadUtf16Line(line);
-    });
+    if (present && !cleaned) CleanLine(line, *present);
 }
 
-void clsLoader::ReadUtf8Line(std::u16string& line) {
+std::string_view clsLoader::NextUtf8Line(bool& ascii) {
     // CR and LF bytes never occur inside a multi-byte sequence, so the line can be
-    // cut before it is decoded.
+    // cut before it is decoded. One look at each byte finds the end and whether a
+    // byte before it has its high bit set.
     const unsigned char* start = data_ + pos_;
-    const void* lf = std::memchr(start, '\n', size_ - pos_);
-    size_t end = lf ? static_cast<size_t>(static_cast<const unsigned char*>(lf) - data_) : size_;
-    const void* cr = std::memchr(start, '\r', end - pos_);
-    if (cr) end = static_cast<size_t>(static_cast<const unsigned char*>(cr) - data_);
-    AppendUtf8(line, std::string_view(reinterpret_cast<const char*>(start), end - pos_));
-    pos_ = end;
+    const size_t left = size_ - pos_;
+    constexpr size_t kNotFound = std::string_view::npos;
+    size_t end = kNotFound;
+    unsigned high = 0;
+    size_t n = 0;
+#if defined(__SSE2__)
+    const __m128i lf = _mm_set1_epi8('\n'), cr = _mm_set1_epi8('\r');
+    for (; n + 16 <= left; n += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(start + n));
+        const auto ends = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, lf), _mm_cmpeq_epi8(bytes, cr))));
+        const auto highs = static_cast<unsigned>(_mm_movemask_epi8(bytes));
+        if (ends != 0) {
+            const unsigned k = static_cast<unsigned>(__builtin_ctz(ends));
+            high |= highs & ((1u << k) - 1);
+            end = n + k;
+            break;
+        }
+        high |= highs;
+    }
+#endif
+    if (end == kNotFound) {
+        for (end = n; end < left && start[end] != '\n' && start[end] != '\r'; ++end) high |= start[end] & 0x80u;
+    }
+    ascii = high == 0;
+    pos_ += end;
     if (pos_ < size_) pos_ += (data_[pos_] == '\r' && pos_ + 1 < size_ && data_[pos_ + 1] == '\n') ? 2 : 1;
+    return {reinterpret_cast<const char*>(start), end};
 }
 
 void clsLoader::ReadUtf16Line(std::u16string& line) {

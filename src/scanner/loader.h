@@ -6,6 +6,9 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+
+#include "scanner/unit_set.h"
 
 namespace kestrel {
 
@@ -35,6 +38,9 @@ public:
     std::u16string ReadLine();
     // As ReadLine, into `line` (its old text replaced, its storage reused).
     void ReadLineInto(std::u16string& line);
+    // As ReadLineInto, the line then cleaned as CleanLine does, recording its units in
+    // `present`. A plain ASCII line is decoded and cleaned in one pass.
+    void ReadCleanLineInto(std::u16string& line, UnitSet& present);
     void CloseFile();
 
     // errno of the last OpenFile that failed, for messages.
@@ -43,7 +49,11 @@ public:
 private:
     enum class Encoding { Utf8, Utf16Le, Utf16Be };
 
-    void ReadUtf8Line(std::u16string& line);
+    // Reads the next line and, given `present`, cleans it and records its units there.
+    void Read(std::u16string& line, UnitSet* present);
+    // The bytes of the next UTF-8 line, without its line end, which is passed over;
+    // `ascii` tells whether every byte is below 128.
+    std::string_view NextUtf8Line(bool& ascii);
     void ReadUtf16Line(std::u16string& line);
 
     bool open_ = false;

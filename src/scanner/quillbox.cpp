@@ -121,10 +121,7 @@ bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
         StartScan(output, nLang);
         if (!loader.OpenFile(ToUtf8(output.FileName()))) return;
         // The reader never returns a line feed, so its lines need no splitting.
-        while (!loader.EndOfFile) {
-            loader.ReadLineInto(NewLine());
-            CleanNewLine();
-        }
+        while (!loader.EndOfFile) loader.ReadCleanLineInto(NewLine(), units_.emplace_back());
         loader.CloseFile();
         RunPasses(output, nLang);
         scanned = true;

@@ -2,6 +2,7 @@
 // space normalisation and comment removal.
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,31 @@ TEST(Loader, LinesEndAtCrLfCrOrLfInUtf8OrUtf16AndEveryFileEndsWithOneExtraEmptyL
     EXPECT_EQ(ReadAllLines(std::string("\xFE\xFF\0a\0\n\x12\x34", 8)), (Lines{u"a", u"\u1234", u""}));
     // A final odd byte is one code unit of its own value.
     EXPECT_EQ(ReadAllLines(std::string("\xFF\xFE" "a\0b", 5)), (Lines{u"ab", u""}));
+}
+
+// Plain ASCII lines are decoded and cleaned in one pass; every line, and the units
+// recorded for it, must match reading it first and cleaning it afterwards. Random
+// lines put blanks, line ends and non-ASCII bytes on every side of each chunk.
+TEST(Loader, ReadingAndCleaningInOneStepMatchesReadingThenCleaning) {
+    const std::vector<std::string> pieces = {" ", "  ", "\t", "a", "bc", "{", "\n", "\r", "\r\n", "\xC3\xA4", "\xFF", std::string(1, '\0')};
+    std::mt19937 random(7);
+    std::string bytes;
+    for (int k = 0; k < 20000; ++k) bytes += pieces[random() % pieces.size()];
+    test::TempFile file(bytes);
+    clsLoader plain, cleaning;
+    ASSERT_TRUE(plain.OpenFile(file.path()));
+    ASSERT_TRUE(cleaning.OpenFile(file.path()));
+    std::u16string expected, line;
+    for (int n = 1; !plain.EndOfFile; ++n) {
+        UnitSet expectedUnits, units;
+        plain.ReadLineInto(expected);
+        CleanLine(expected, expectedUnits);
+        cleaning.ReadCleanLineInto(line, units);
+        ASSERT_EQ(line, expected) << "line " << n;
+        for (char16_t c : {u'\0', u' ', u'a', u'b', u'c', u'{', u'\t', u'\u00E4'})
+            ASSERT_EQ(units.MayHold(std::u16string(1, c)), expectedUnits.MayHold(std::u16string(1, c))) << "line " << n;
+    }
+    EXPECT_TRUE(cleaning.EndOfFile);
 }
 
 TEST(Loader, MissingFilesAndDirectoriesDoNotOpen) {
