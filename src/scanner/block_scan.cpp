@@ -1,5 +1,7 @@
 #include "scanner/block_scan.h"
 
+#include <array>
+
 #include "common/constants.h"
 #include "common/text.h"
 #include "errorlog/errorlog.h"
@@ -26,8 +28,9 @@ void AddResult(ResultList& results, std::u16string_view word, int32_t line, int1
 
 // Cuts out every piece that opens and closes with `delim` on the line (string and
 // character literals). An unclosed one stays.
-void RemoveLiterals(std::u16string& line, std::u16string_view delim, const UnitSet& present) {
-    if (line.empty() || delim.empty() || !present.MayHold(delim)) return;
+void RemoveLiterals(std::u16string& line, const SoughtText& literal, const UnitSet& present) {
+    const std::u16string_view delim = literal.text;
+    if (line.empty() || delim.empty() || !present.MayHold(literal.units)) return;
     SpliceText text(line);
     size_t from = 0;
     for (;;) {
@@ -43,15 +46,48 @@ void RemoveLiterals(std::u16string& line, std::u16string_view delim, const UnitS
 
 // Position of the first of two keywords found as a whole word (the first tried
 // first), with the keyword that matched.
-int32_t FindEither(const SyntaxTable& syntax, std::u16string_view line, const RTriple& words,
+int32_t FindEither(const SyntaxTable& syntax, std::u16string_view line, const SoughtText (&words)[2],
                    std::u16string_view& found, const UnitSet& present) {
-    found = words.StartWord.word;
-    int32_t pos = present.MayHold(found) ? syntax.CheckOneWord(line, found, 1) : 0;
-    if (pos == 0) {
-        found = words.EndWord.word;
-        pos = present.MayHold(found) ? syntax.CheckOneWord(line, found, 1) : 0;
+    for (const SoughtText& word : words) {
+        found = word.text;
+        if (const int32_t pos = present.MayHold(word.units) ? syntax.CheckOneWord(line, found, 1) : 0; pos != 0) return pos;
     }
-    return pos;
+    return 0;
+}
+
+// The start and end word of a pair, as FindEither tries them.
+struct WordPair {
+    explicit WordPair(const RTriple& words) : words{SoughtText(words.StartWord.word), SoughtText(words.EndWord.word)} {}
+    // Languages without procedure or variable keywords leave a pair empty: no line can
+    // hold them, and the searches are skipped.
+    bool Used() const { return !words[0].text.empty() || !words[1].text.empty(); }
+    SoughtText words[2];
+};
+
+// The scope words in the order they are tried, each with the scope it stands for.
+struct ScopeWord {
+    SoughtText word;
+    int16_t scope;
+};
+using ScopeWords = std::array<ScopeWord, 3>;
+
+ScopeWords ScopeWordsOf(const SyntaxTable& syntax) {
+    const RTriple& w = syntax.ScopeWords;
+    return {ScopeWord{SoughtText(w.StartWord.word), w.StartWord.Scope}, ScopeWord{SoughtText(w.MiddleWord.word), w.MiddleWord.Scope},
+            ScopeWord{SoughtText(w.EndWord.word), w.EndWord.Scope}};
+}
+
+int16_t ScopeIn(const SyntaxTable& syntax, const ScopeWords& words, std::u16string_view line, const UnitSet& present) {
+    int16_t scope = -1;
+    Trap(kModule, "Sub CheckScope", [&] {
+        for (const ScopeWord& w : words) {
+            if (present.MayHold(w.word.units) && syntax.CheckOneWord(line, w.word.text, 1) != 0) {
+                scope = w.scope;
+                return;
+            }
+        }
+    });
+    return scope;
 }
 
 // The 0-based start of a whole word that CheckOneWord reported at `pos` (-1: it ends the line).
@@ -77,9 +113,15 @@ public:
         : syntax_(syntax),
           nLang_(nLang),
           results_(results),
-          endProcWords_(HasWords(syntax.EndProcWords)),
-          procWords_(HasWords(syntax.ProcWords)),
-          varWords_(HasWords(syntax.VarWords)) {}
+          stringDelim_(syntax.StringDelim),
+          charDelim_(syntax.CharDelim),
+          classWord_(syntax.ClassWord),
+          blockStart_(syntax.BlockStart),
+          blockEnd_(syntax.BlockEnd),
+          endProcWords_(syntax.EndProcWords),
+          procWords_(syntax.ProcWords),
+          varWords_(syntax.VarWords),
+          scopeWords_(ScopeWordsOf(syntax)) {}
 
     // `present` holds at least the units of L.
     void ScanLine(std::u16string& L, int32_t i, const UnitSet& present);
@@ -91,15 +133,10 @@ public:
 private:
     bool AtDeclarationLevel() const { return depth_ == stack_.Level() + 1; }
     void TakeScope(std::u16string_view text) {
-        int16_t found = CheckScope(syntax_, text, *present_);
+        int16_t found = ScopeIn(syntax_, scopeWords_, text, *present_);
         if (found >= 0) scope_ = found;
     }
     void SweepBlocks(std::u16string& L, int32_t i);
-    // Languages without procedure or variable keywords leave a pair empty: no line can
-    // hold them, and the searches are skipped.
-    static bool HasWords(const RTriple& words) {
-        return !words.StartWord.word.empty() || !words.EndWord.word.empty();
-    }
 
     const SyntaxTable& syntax_;
     const int16_t nLang_;
@@ -110,34 +147,37 @@ private:
     std::u16string candidate_;
     clsStack stack_;
     const UnitSet* present_ = nullptr;  // of the line being scanned
-    const bool endProcWords_, procWords_, varWords_;
+    // What the scan looks for, each with its units, gathered once.
+    const SoughtText stringDelim_, charDelim_, classWord_, blockStart_, blockEnd_;
+    const WordPair endProcWords_, procWords_, varWords_;
+    const ScopeWords scopeWords_;
 };
 
 void LevelScanner::ScanLine(std::u16string& L, int32_t i, const UnitSet& present) {
     present_ = &present;
-    RemoveLiterals(L, syntax_.StringDelim, present);
-    RemoveLiterals(L, syntax_.CharDelim, present);
+    RemoveLiterals(L, stringDelim_, present);
+    RemoveLiterals(L, charDelim_, present);
 
     std::u16string_view word;
-    int32_t pos = endProcWords_ ? FindEither(syntax_, L, syntax_.EndProcWords, word, present) : 0;
+    int32_t pos = endProcWords_.Used() ? FindEither(syntax_, L, endProcWords_.words, word, present) : 0;
     if (pos != 0) {
         inProcedure_ = false;
         L.erase(WordStart(L, word, pos), word.size());
     }
 
-    if (procWords_ && FindEither(syntax_, L, syntax_.ProcWords, word, present) != 0) {
+    if (procWords_.Used() && FindEither(syntax_, L, procWords_.words, word, present) != 0) {
         TakeScope(L);
         AddResult(results_, L, i, scope_, stack_.Data());
         L.clear();
         inProcedure_ = true;
     }
 
-    if (varWords_ && FindEither(syntax_, L, syntax_.VarWords, word, present) != 0 && !inProcedure_) {
+    if (varWords_.Used() && FindEither(syntax_, L, varWords_.words, word, present) != 0 && !inProcedure_) {
         AddResult(results_, L, i, kResultVariable, stack_.Data());
         L.clear();
     }
 
-    pos = present.MayHold(syntax_.ClassWord) ? syntax_.CheckOneWord(L, syntax_.ClassWord, 1) : 0;
+    pos = present.MayHold(classWord_.units) ? syntax_.CheckOneWord(L, classWord_.text, 1) : 0;
     if (pos != 0) {
         if (FindUnit(L, u';') != npos) {
             L.clear();  // a forward declaration
@@ -149,7 +189,7 @@ void LevelScanner::ScanLine(std::u16string& L, int32_t i, const UnitSet& present
         }
     }
 
-    if (!L.empty() && !syntax_.BlockStart.empty() && !syntax_.BlockEnd.empty()) SweepBlocks(L, i);
+    if (!L.empty() && !blockStart_.text.empty() && !blockEnd_.text.empty()) SweepBlocks(L, i);
 
     if (depth_ == stack_.Level()) inProcedure_ = false;
 }
@@ -157,11 +197,11 @@ void LevelScanner::ScanLine(std::u16string& L, int32_t i, const UnitSet& present
 // Consumes the line delimiter by delimiter. The first opening and closing delimiter
 // are remembered and looked for again only once the line has been consumed past them.
 void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
-    const std::u16string& open = syntax_.BlockStart;
-    const std::u16string& close = syntax_.BlockEnd;
+    const std::u16string_view open = blockStart_.text;
+    const std::u16string_view close = blockEnd_.text;
     size_t cur = 0;
-    size_t p = present_->MayHold(open) ? FindText(L, open) : npos;
-    size_t q = present_->MayHold(close) ? FindText(L, close) : npos;
+    size_t p = present_->MayHold(blockStart_.units) ? FindText(L, open) : npos;
+    size_t q = present_->MayHold(blockEnd_.units) ? FindText(L, close) : npos;
     while (cur < L.size()) {
         if (p != npos && p < cur) p = FindText(L, open, cur);
         if (q != npos && q < cur) q = FindText(L, close, cur);
@@ -210,16 +250,7 @@ void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
 }  // namespace
 
 int16_t CheckScope(const SyntaxTable& syntax, std::u16string_view line, const UnitSet& present) {
-    int16_t scope = -1;
-    Trap(kModule, "Sub CheckScope", [&] {
-        for (const RWord* w : {&syntax.ScopeWords.StartWord, &syntax.ScopeWords.MiddleWord, &syntax.ScopeWords.EndWord}) {
-            if (present.MayHold(w->word) && syntax.CheckOneWord(line, w->word, 1) != 0) {
-                scope = w->Scope;
-                return;
-            }
-        }
-    });
-    return scope;
+    return ScopeIn(syntax, ScopeWordsOf(syntax), line, present);
 }
 
 void TakeLevelsOut(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,

@@ -206,13 +206,14 @@ void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const
                     const std::vector<UnitSet>* present) {
     Trap(kModule, "Sub RemoveComments", [&] {
         const bool opens = !syntax.MultiCommentStart.empty(), ones = !syntax.OneLineComment.empty();
+        const UnitSet opening = UnitSet::Of(syntax.MultiCommentStart), oneLine = UnitSet::Of(syntax.OneLineComment);
         bool inComment = false;
         for (int32_t i = 1; i <= lineCount; ++i) {
             std::u16string& line = lines.at(static_cast<size_t>(i));
             if (line.empty()) continue;
             if (present && !inComment) {
                 const UnitSet& units = (*present)[static_cast<size_t>(i)];
-                if (!(opens && units.MayHold(syntax.MultiCommentStart)) && !(ones && units.MayHold(syntax.OneLineComment)))
+                if (!(opens && units.MayHold(opening)) && !(ones && units.MayHold(oneLine)))
                     continue;  // no marker can start on this line
             }
             SpliceText text(line);

@@ -31,18 +31,31 @@ public:
         other_ = other_ || other;
     }
 
-    // False only when some unit of `pattern` is certainly absent, so the pattern cannot
-    // occur. Units above 127 are not told apart.
-    bool MayHold(std::u16string_view pattern) const {
-        for (char16_t c : pattern) {
-            if (c >= 128 ? !other_ : ((bits_[c >> 6] >> (c & 63)) & 1) == 0) return false;
-        }
-        return true;
+    // The units of `pattern`: gathered once for a keyword or delimiter, so that each
+    // line's set answers for it in a few instructions.
+    static UnitSet Of(std::u16string_view pattern) {
+        UnitSet s;
+        for (char16_t c : pattern) s.Add(c);
+        return s;
+    }
+
+    // False only when some unit of `needed` is certainly absent, so a pattern made of
+    // those units cannot occur. Units above 127 are not told apart.
+    bool MayHold(const UnitSet& needed) const {
+        return (needed.bits_[0] & ~bits_[0]) == 0 && (needed.bits_[1] & ~bits_[1]) == 0 && (other_ || !needed.other_);
     }
 
 private:
     uint64_t bits_[2] = {0, 0};
     bool other_ = false;
+};
+
+// A keyword or delimiter that the passes look for, with the units it needs. The text
+// is a view: the syntax table it comes from outlives the pass.
+struct SoughtText {
+    explicit SoughtText(std::u16string_view text) : text(text), units(UnitSet::Of(text)) {}
+    std::u16string_view text;
+    UnitSet units;
 };
 
 }  // namespace kestrel

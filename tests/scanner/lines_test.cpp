@@ -71,7 +71,7 @@ TEST(Loader, ReadingAndCleaningInOneStepMatchesReadingThenCleaning) {
         cleaning.ReadCleanLineInto(line, units);
         ASSERT_EQ(line, expected) << "line " << n;
         for (char16_t c : {u'\0', u' ', u'a', u'b', u'c', u'{', u'\t', u'\u00E4'})
-            ASSERT_EQ(units.MayHold(std::u16string(1, c)), expectedUnits.MayHold(std::u16string(1, c))) << "line " << n;
+            ASSERT_EQ(units.MayHold(UnitSet::Of({&c, 1})), expectedUnits.MayHold(UnitSet::Of({&c, 1}))) << "line " << n;
     }
     EXPECT_TRUE(cleaning.EndOfFile);
 }
