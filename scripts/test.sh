@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds kestrel and runs every test, then builds and runs the whole suite again
-# with AddressSanitizer and UndefinedBehaviorSanitizer in a separate build directory.
+# Builds kestrel and runs every test (the micro-benchmarks run once among them), then
+# builds and runs the whole suite again with AddressSanitizer and
+# UndefinedBehaviorSanitizer in a separate build directory.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
@@ -8,7 +9,7 @@ jobs=$(nproc)
 werror=OFF
 [ "${CI:-}" = "true" ] && werror=ON
 
-cmake -S . -B build -DKESTREL_WERROR=$werror >/dev/null
+cmake -S . -B build -DKESTREL_BUILD_BENCH=ON -DKESTREL_WERROR=$werror >/dev/null
 cmake --build build -j"$jobs"
 ctest --test-dir build --output-on-failure -j"$jobs"
 

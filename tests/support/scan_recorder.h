@@ -38,7 +38,7 @@ public:
 private:
     template <class... Fields>
     void Record(std::string call, const Fields&... fields) {
-        ((call += "\t" + Field(fields)), ...);
+        ((call += '\t', call += Field(fields)), ...);
         calls.push_back(std::move(call));
     }
     static std::string Field(const std::u16string& text) { return ToUtf8(text); }
