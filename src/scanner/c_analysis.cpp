@@ -40,10 +40,11 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
             ProcessCVariable(wrd);
             return;
         }
-        size_t op = FindText(text, u"operator");
-        const bool isOperator = op != npos && op < p;
-        size_t eq = FindUnit(text, u'=');
-        if (eq != npos && eq < p && !isOperator) {
+        // Only what comes before the first parenthesis counts; "operator" holds none,
+        // so any of it that starts there also ends there.
+        const std::u16string_view beforeParen = text.substr(0, p);
+        const bool isOperator = FindText(beforeParen, u"operator") != npos;
+        if (FindUnit(beforeParen, u'=') != npos && !isOperator) {
             ProcessCVariable(wrd);  // an initialiser that calls something
             return;
         }
