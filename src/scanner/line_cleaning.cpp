@@ -207,15 +207,18 @@ void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const
     Trap(kModule, "Sub RemoveComments", [&] {
         const bool opens = !syntax.MultiCommentStart.empty(), ones = !syntax.OneLineComment.empty();
         const UnitSet opening = UnitSet::Of(syntax.MultiCommentStart), oneLine = UnitSet::Of(syntax.OneLineComment);
+        const UnitSet closing = UnitSet::Of(syntax.MultiCommentEnd), anything = UnitSet::Anything();
         bool inComment = false;
         for (int32_t i = 1; i <= lineCount; ++i) {
             std::u16string& line = lines.at(static_cast<size_t>(i));
             if (line.empty()) continue;
-            if (present && !inComment) {
-                const UnitSet& units = (*present)[static_cast<size_t>(i)];
-                if (!(opens && units.MayHold(opening)) && !(ones && units.MayHold(oneLine)))
-                    continue;  // no marker can start on this line
+            const UnitSet& units = present ? (*present)[static_cast<size_t>(i)] : anything;
+            if (inComment && !units.MayHold(closing)) {
+                line.clear();  // the comment cannot end on this line
+                continue;
             }
+            if (!inComment && !(opens && units.MayHold(opening)) && !(ones && units.MayHold(oneLine)))
+                continue;  // no marker can start on this line
             SpliceText text(line);
             if (inComment) {
                 size_t e = text.Find(syntax.MultiCommentEnd, 0);
