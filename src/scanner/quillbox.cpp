@@ -1,5 +1,6 @@
 #include "scanner/quillbox.h"
 
+#include <algorithm>
 #include <fstream>
 #include <limits>
 #include <utility>
@@ -28,14 +29,14 @@ constexpr char kResultDumpFile[] = "c:\\debug_result.txt";
 void ParseInclude() {}
 
 // Line storage handed from one scan to the next on the same thread, so that a scan
-// allocates only for lines longer than any seen before. Bounded, so a huge file does
-// not keep its memory after its scan.
+// allocates only for lines longer than any seen before. The line entries stay
+// constructed, each with its storage, and a scan writes over them in order. Bounded,
+// so a huge file does not keep its memory after its scan.
 struct LinePool {
     static constexpr size_t kMaxLines = 1 << 16;
     static constexpr size_t kMaxUnits = 512;
     static constexpr size_t kMaxResults = 1 << 14;
-    std::vector<std::u16string> spare;
-    std::vector<std::u16string> array;  // an empty line array with its capacity
+    std::vector<std::u16string> lines;  // entries whose texts mean nothing any more
     std::vector<UnitSet> units;         // an empty unit-set array with its capacity
     ResultList results;                 // an empty result list with its records
 };
@@ -49,36 +50,34 @@ LinePool& Pool() {
 
 void clsQuillbox::StartScan(ScanOutput& output, int16_t nLang) {
     ReleaseLines();
-    if (lines_.capacity() == 0) lines_.swap(Pool().array);
+    lines_.swap(Pool().lines);
     if (units_.capacity() == 0) units_.swap(Pool().units);
     if (results_.Slots() == 0) std::swap(results_, Pool().results);
-    lines_.emplace_back();
-    units_.push_back(UnitSet::Anything());
     lineCount_ = 0;
+    Entry(0).clear();
+    units_.push_back(UnitSet::Anything());
     syntax.MakeSyntax(output, nLang);
     results_.clear();
 }
 
-std::u16string& clsQuillbox::NewLine() {
-    ++lineCount_;
-    std::vector<std::u16string>& spare = Pool().spare;
-    if (spare.empty()) return lines_.emplace_back();
-    std::u16string& line = lines_.emplace_back(std::move(spare.back()));
-    spare.pop_back();
-    return line;
-}
+std::u16string& clsQuillbox::Entry(size_t k) { return k < lines_.size() ? lines_[k] : lines_.emplace_back(); }
 
-void clsQuillbox::CleanNewLine() { CleanLine(lines_.back(), units_.emplace_back()); }
+std::u16string& clsQuillbox::NewLine() { return Entry(static_cast<size_t>(++lineCount_)); }
+
+void clsQuillbox::CleanNewLine() { CleanLine(lines_[static_cast<size_t>(lineCount_)], units_.emplace_back()); }
 
 void clsQuillbox::ReleaseLines() {
     LinePool& pool = Pool();
-    for (std::u16string& line : lines_) {
-        if (pool.spare.size() >= LinePool::kMaxLines) break;
-        if (line.capacity() <= LinePool::kMaxUnits) pool.spare.push_back(std::move(line));
+    if (lines_.size() > pool.lines.size()) {
+        if (lines_.size() > LinePool::kMaxLines) lines_.resize(LinePool::kMaxLines);
+        // Entries past this scan's lines were bounded when an earlier scan ended.
+        const size_t used = std::min(lines_.size(), static_cast<size_t>(lineCount_) + 1);
+        for (size_t k = 0; k < used; ++k) {
+            if (lines_[k].capacity() > LinePool::kMaxUnits) std::u16string().swap(lines_[k]);
+        }
+        lines_.swap(pool.lines);
     }
-    lines_.clear();
     units_.clear();
-    if (lines_.capacity() <= LinePool::kMaxLines && lines_.capacity() > pool.array.capacity()) lines_.swap(pool.array);
     if (units_.capacity() <= LinePool::kMaxLines && units_.capacity() > pool.units.capacity()) units_.swap(pool.units);
     lines_ = {};
     units_ = {};

@@ -31,7 +31,8 @@ public:
 
     // The result list of the last scan (kept until the next scan starts).
     const ResultList& Results() const { return results_; }
-    // The line array: entry 0 unused, line N of the text at entry N.
+    // The line array: entry 0 unused, line N of the text at entry N for N up to
+    // LineCount(); entries past it are storage kept for later scans.
     const std::vector<std::u16string>& Lines() const { return lines_; }
     int32_t LineCount() const { return lineCount_; }
 
@@ -46,6 +47,9 @@ public:
 
 private:
     void StartScan(ScanOutput& output, int16_t nLang);
+    // Entry k of the line array, made when the array is no longer; its text is whatever
+    // an earlier scan left there.
+    std::u16string& Entry(size_t k);
     // The next entry of the line array, with storage left by earlier scans.
     std::u16string& NewLine();
     // Cleans the newest line and records its units.
