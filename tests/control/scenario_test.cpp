@@ -107,22 +107,6 @@ TEST_F(Scenario, RemovingAFileKeepsWhatTheOtherFilesDefine) {
     EXPECT_EQ(Outline(0), "p\n");
 }
 
-TEST_F(Scenario, ALargeClassFillsAndFoldsWhole) {
-    std::string text = "class Big {\npublic:\n";
-    for (int i = 0; i < 20000; ++i) text += "    int f" + std::to_string(i) + "(int a);\n    int v" + std::to_string(i) + ";\n";
-    text += "};\n";
-    view->NewProject(Path("big.kpr"), LANGUAGE_C, 0);
-    ASSERT_TRUE(view->files()->Add(Write("big.h", text), FILETYPE_DEFINITION));
-    EXPECT_EQ(platform.classTree.ChildCount(Node(u"``Big")), 20000);
-    view->CloseProject();  // saves
-    ASSERT_TRUE(view->Load(Path("big.kpr")));
-    platform.classTree.UserExpand(Node(u"--Big"));
-    EXPECT_EQ(platform.classTree.NodeCount(), 40004);
-    EXPECT_EQ(platform.site.pointerHistory, (std::vector<int16_t>{kPointerHourglass, kPointerDefault}));
-    platform.classTree.UserCollapse(Node(u"--Big"));
-    EXPECT_EQ(platform.classTree.NodeCount(), 3);
-}
-
 // A project without a view must write exactly the bytes the control writes, through
 // creation, loading and a full rescan, so that tools may use either.
 TEST_F(Scenario, AProjectWithoutViewWritesTheControlsBytesWhenCreatingLoadingAndRescanning) {

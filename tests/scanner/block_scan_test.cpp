@@ -6,7 +6,6 @@
 
 #include "common/constants.h"
 #include "scanner/block_scan.h"
-#include "scanner/class_stack.h"
 #include "support/error_capture.h"
 #include "support/scan_recorder.h"
 
@@ -40,14 +39,6 @@ Pass ScanLevels(Lines lines, int16_t language = LANGUAGE_C) {
 const Results kOneTrap{"clsQuillbox.cls|Sub TakeLevelsOut|9"};
 
 }  // namespace
-
-TEST(ClassStack, PoppingWhenEmptyIsForgiven) {
-    clsStack stack;
-    stack.Pop();
-    stack.Push(u"A", 3);
-    EXPECT_EQ(stack.Data(), u"A");
-    EXPECT_EQ(stack.Level(), 3);
-}
 
 TEST(CheckScope, TriesPrivateThenProtectedThenPublic) {
     const SyntaxTable c = test::SyntaxOf(LANGUAGE_C), basic = test::SyntaxOf(LANGUAGE_BASIC);
