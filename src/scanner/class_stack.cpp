@@ -1,11 +1,16 @@
 #include "scanner/class_stack.h"
 
+#include <stdexcept>
+
 namespace kestrel {
 
 void clsStack::Push(std::u16string_view Data, int32_t Level) {
-    Entry& entry = entries_.at(static_cast<size_t>(top_) + 1);
+    const size_t k = static_cast<size_t>(top_);
+    if (k >= kCapacity) throw std::out_of_range("class stack full");
+    if (k == entries_.size()) entries_.emplace_back();
+    Entry& entry = entries_[k];
     ++top_;
-    entry.Data.assign(Data);  // into the storage an earlier class left at this depth
+    entry.Data.assign(Data);
     entry.Level = Level;
 }
 
@@ -14,7 +19,8 @@ void clsStack::Pop() {
 }
 
 const std::u16string& clsStack::Data() const {
-    return entries_[static_cast<size_t>(top_ > 0 ? top_ : 0)].Data;
+    static const std::u16string kNone;
+    return top_ > 0 ? entries_[static_cast<size_t>(top_) - 1].Data : kNone;
 }
 
 }  // namespace kestrel
