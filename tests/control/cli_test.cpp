@@ -51,16 +51,19 @@ TEST_F(Cli, TypesComeFromExtensionsOrFromTypeOptions) {
     std::ofstream(dir / "src" / "a.h") << "int a();\n";
     std::ofstream(dir / "src" / "notes.txt") << "x\n";
     std::ofstream(dir / "src" / ".hidden" / "c.cpp") << "int c() {\n}\n";
+    std::ofstream(dir / "src" / "e.HXX") << "int e();\n";
     std::ofstream(dir / "list") << "src/notes.txt\n";
-    ASSERT_EQ(Kestrel("new p.kpr --id 5 src --type form --files-from list").status, 0);
+    // An absolute path that is not normal is made so; an extension counts in any case.
+    const std::string roundabout = "'" + (dir / "src" / ".." / "src" / "." / "e.HXX").string() + "'";
+    ASSERT_EQ(Kestrel("new p.kpr --id 5 src " + roundabout + " --type form --files-from list").status, 0);
     Outcome dump = Kestrel("dump p.kpr");
     EXPECT_EQ(dump.status, 0);
     std::istringstream lines(dump.out);
     std::string line, files;
     while (std::getline(lines, line))
         if (line.rfind("file ", 0) == 0 || line.rfind("project ", 0) == 0) files += line.substr(0, line.find(" classes")) + "\n";
-    EXPECT_EQ(files, "project language 0 id 5 files 3\nfile \"src/a.h\" type 2\nfile \"src/b.cpp\" type 1\n"
-                     "file \"src/notes.txt\" type 3\n");
+    EXPECT_EQ(files, "project language 0 id 5 files 4\nfile \"src/a.h\" type 2\nfile \"src/b.cpp\" type 1\n"
+                     "file \"src/e.HXX\" type 2\nfile \"src/notes.txt\" type 3\n");
 }
 
 TEST_F(Cli, AddRemoveUpdateWhereAndFind) {

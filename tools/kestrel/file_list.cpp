@@ -38,8 +38,17 @@ constexpr std::array kExtensions{
     ExtensionType{".dsr", FILETYPE_FORM, LANGUAGE_BASIC},
 };
 
+// The extension as std::filesystem::path::extension() gives it, without building a
+// path for every file of a long list.
+std::string_view ExtensionOf(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1);  // all of it without a '/'
+    const size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0 || name == "..") return {};
+    return name.substr(dot);
+}
+
 const ExtensionType* Lookup(const std::string& path) {
-    std::string ext = fs::path(path).extension().string();
+    std::string ext(ExtensionOf(path));
     std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
     for (const ExtensionType& e : kExtensions)
         if (e.extension == ext) return &e;

@@ -102,6 +102,10 @@ void ProjectSession::SaveFailed(const std::string& path) {
 }
 
 std::string AbsolutePath(const std::string& path) {
+    // Lists of absolute paths, as find and dpkg print them, are normal already: no
+    // empty, "." or ".." component can hide in a path without "//" or "/.".
+    if (path.starts_with('/') && path.find("//") == std::string::npos && path.find("/.") == std::string::npos)
+        return path;
     std::error_code ec;
     fs::path p = fs::absolute(fs::path(path), ec);
     if (ec) throw Failure(path, ec.message());
