@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -153,6 +154,27 @@ inline size_t CleanChunk(const Unit* from, char16_t* to, bool& afterBlank, SeenU
 #endif
 }
 
+#if defined(__SSE2__)
+// Sixteen bytes of a plain ASCII line at once, when none of them is a blank that goes:
+// tabs become spaces, the bytes are widened into `to` and recorded, and the answer is
+// true. Otherwise writes nothing and answers false, leaving them to CleanChunk.
+inline bool CleanWideChunk(const unsigned char* from, char16_t* to, bool& afterBlank, SeenUnits& seen) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    const __m128i space = _mm_set1_epi8(' ');
+    const __m128i tab = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\t'));
+    const int blanks = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, space), tab));  // one bit per unit
+    if ((blanks & ((blanks << 1) | (afterBlank ? 1 : 0))) != 0) return false;
+    const __m128i kept = _mm_or_si128(_mm_andnot_si128(tab, bytes), _mm_and_si128(tab, space));
+    const __m128i low = _mm_unpacklo_epi8(kept, _mm_setzero_si128()), high = _mm_unpackhi_epi8(kept, _mm_setzero_si128());
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), low);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + kChunk), high);
+    afterBlank = (blanks & 0x8000) != 0;
+    seen.AddAscii(low);
+    seen.AddAscii(high);
+    return true;
+}
+#endif
+
 // A blank is kept only after something that is not a blank, so leading blanks and
 // runs both go. Chunks without such blanks (most of a line past its indentation) go
 // through CleanChunk; runs of blanks unit by unit, without branches on the characters.
@@ -163,6 +185,16 @@ size_t CleanUnits(const Unit* text, size_t n, char16_t* to, SeenUnits* record) {
     bool afterBlank = true;
     size_t i = IndentationEnd(text, n);  // indentation goes whole
     while (i < n) {
+#if defined(__SSE2__)
+        if constexpr (std::is_same_v<Unit, unsigned char>) {
+            // Only plain ASCII lines come as bytes, and they are always recorded.
+            if (n - i >= 2 * kChunk && CleanWideChunk(text + i, to + out, afterBlank, *record)) {
+                i += 2 * kChunk;
+                out += 2 * kChunk;
+                continue;
+            }
+        }
+#endif
         const size_t oneByOne = n - i >= kChunk ? CleanChunk(text + i, to + out, afterBlank, record) : n - i;
         if (oneByOne == 0) {
             i += kChunk;

@@ -55,10 +55,15 @@ TEST(Loader, LinesEndAtCrLfCrOrLfInUtf8OrUtf16AndEveryFileEndsWithOneExtraEmptyL
 // recorded for it, must match reading it first and cleaning it afterwards. Random
 // lines put blanks, line ends and non-ASCII bytes on every side of each chunk.
 TEST(Loader, ReadingAndCleaningInOneStepMatchesReadingThenCleaning) {
-    const std::vector<std::string> pieces = {" ", "  ", "\t", "a", "bc", "{", "\n", "\r", "\r\n", "\xC3\xA4", "\xFF", std::string(1, '\0')};
+    // Short lines with every kind of unit, then long plain ASCII lines with few runs
+    // of blanks, which are cleaned many units at a time.
+    const std::vector<std::vector<std::string>> pieceSets = {
+        {" ", "  ", "\t", "a", "bc", "{", "\n", "\r", "\r\n", "\xC3\xA4", "\xFF", std::string(1, '\0')},
+        {" ", "\t", "a", "bc", "{", "abcbcabcbca", "bcab", "cab", "cba", "ab", "ba", "  ", "\n"}};
     std::mt19937 random(7);
     std::string bytes;
-    for (int k = 0; k < 20000; ++k) bytes += pieces[random() % pieces.size()];
+    for (const std::vector<std::string>& pieces : pieceSets)
+        for (int k = 0; k < 20000; ++k) bytes += pieces[random() % pieces.size()];
     test::TempFile file(bytes);
     clsLoader plain, cleaning;
     ASSERT_TRUE(plain.OpenFile(file.path()));
