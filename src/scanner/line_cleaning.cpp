@@ -60,34 +60,34 @@ namespace {
 
 // Which units a line holds, one byte per unit value below 128 and one for every unit
 // above: a store per unit does not chain each step of the loop to the one before, as
-// setting bits in one word would.
+// setting bits in one word would. A held unit's byte has its top bit set, which is
+// what a byte mask reads.
 struct SeenUnits {
+    static constexpr uint8_t kHeld = 0x80;
     alignas(16) uint8_t seen[144] = {};
-    void Add(char16_t c) { seen[c < 128 ? c : 128] = 1; }
+    void Add(char16_t c) { seen[c < 128 ? c : 128] = kHeld; }
 #if defined(__SSE2__)
     // Eight units, each below 128.
     void AddAscii(__m128i units) {
-        seen[_mm_extract_epi16(units, 0)] = 1;
-        seen[_mm_extract_epi16(units, 1)] = 1;
-        seen[_mm_extract_epi16(units, 2)] = 1;
-        seen[_mm_extract_epi16(units, 3)] = 1;
-        seen[_mm_extract_epi16(units, 4)] = 1;
-        seen[_mm_extract_epi16(units, 5)] = 1;
-        seen[_mm_extract_epi16(units, 6)] = 1;
-        seen[_mm_extract_epi16(units, 7)] = 1;
+        seen[_mm_extract_epi16(units, 0)] = kHeld;
+        seen[_mm_extract_epi16(units, 1)] = kHeld;
+        seen[_mm_extract_epi16(units, 2)] = kHeld;
+        seen[_mm_extract_epi16(units, 3)] = kHeld;
+        seen[_mm_extract_epi16(units, 4)] = kHeld;
+        seen[_mm_extract_epi16(units, 5)] = kHeld;
+        seen[_mm_extract_epi16(units, 6)] = kHeld;
+        seen[_mm_extract_epi16(units, 7)] = kHeld;
     }
 #endif
     void AddTo(UnitSet& set) const {
         uint64_t bits[2] = {0, 0};
 #if defined(__SSE2__)
-        const __m128i none = _mm_setzero_si128();
         for (size_t c = 0; c < 128; c += 16) {
             const __m128i bytes = _mm_load_si128(reinterpret_cast<const __m128i*>(seen + c));
-            const auto mask = static_cast<uint16_t>(~_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, none)));
-            bits[c >> 6] |= uint64_t{mask} << (c & 63);
+            bits[c >> 6] |= uint64_t{static_cast<uint16_t>(_mm_movemask_epi8(bytes))} << (c & 63);
         }
 #else
-        for (size_t c = 0; c < 128; ++c) bits[c >> 6] |= uint64_t{seen[c]} << (c & 63);
+        for (size_t c = 0; c < 128; ++c) bits[c >> 6] |= uint64_t{seen[c] != 0} << (c & 63);
 #endif
         set.AddGathered(bits[0], bits[1], seen[128] != 0);
     }
