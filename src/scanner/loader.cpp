@@ -39,12 +39,14 @@ void Reserve(ByteBuffer& buffer, size_t used, size_t wanted) {
     buffer.capacity = capacity;
 }
 
-// Reads until the end of the file; `expected` is the size the system reported (0 for a
-// pipe), read in one call when it is right. False on a read error (errno is set).
+// Reads until the end of the file, or until the size the system reported (`expected`,
+// 0 for a pipe or a file that does not know its size) is in: that spares the call
+// which would only report the end, one per file. False on a read error (errno is set).
 bool ReadAll(int fd, size_t expected, ByteBuffer& buffer, size_t& size) {
     size = 0;
     Reserve(buffer, 0, expected + 1);
     for (;;) {
+        if (expected != 0 && size == expected) return true;
         if (size == buffer.capacity) Reserve(buffer, size, std::max<size_t>(size * 2, 65536));
         ssize_t got = ::read(fd, buffer.data.get() + size, buffer.capacity - size);
         if (got == 0) return true;
