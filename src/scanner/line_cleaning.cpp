@@ -155,20 +155,29 @@ inline size_t CleanChunk(const Unit* from, char16_t* to, bool& afterBlank, SeenU
 }
 
 #if defined(__SSE2__)
-// Sixteen bytes of a plain ASCII line at once, when none of them is a blank that goes:
-// tabs become spaces, the bytes are widened into `to` and recorded, and the answer is
-// true. Otherwise writes nothing and answers false, leaving them to CleanChunk.
-inline bool CleanWideChunk(const unsigned char* from, char16_t* to, bool& afterBlank, SeenUnits& seen) {
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+// Nine to sixteen bytes of a plain ASCII line at once (`count`, the rest of a shorter
+// line), when none of them is a blank that goes: tabs become spaces, the bytes are
+// widened into `to` and recorded, and the answer is true. Otherwise records nothing
+// and answers false, leaving them to CleanChunk. Reads sixteen bytes and writes
+// sixteen units whatever the count; bytes past it stand in as copies of the first,
+// which is recorded anyway.
+inline bool CleanWideChunk(const unsigned char* from, size_t count, char16_t* to, bool& afterBlank, SeenUnits& seen) {
+    __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    if (count < 16) {
+        const __m128i lanes = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+        const __m128i inside = _mm_cmplt_epi8(lanes, _mm_set1_epi8(static_cast<char>(count)));
+        bytes = _mm_or_si128(_mm_and_si128(inside, bytes), _mm_andnot_si128(inside, _mm_set1_epi8(static_cast<char>(from[0]))));
+    }
     const __m128i space = _mm_set1_epi8(' ');
     const __m128i tab = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\t'));
-    const int blanks = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, space), tab));  // one bit per unit
+    const int inLine = static_cast<int>((1u << count) - 1);
+    const int blanks = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, space), tab)) & inLine;  // one bit per unit
     if ((blanks & ((blanks << 1) | (afterBlank ? 1 : 0))) != 0) return false;
     const __m128i kept = _mm_or_si128(_mm_andnot_si128(tab, bytes), _mm_and_si128(tab, space));
     const __m128i low = _mm_unpacklo_epi8(kept, _mm_setzero_si128()), high = _mm_unpackhi_epi8(kept, _mm_setzero_si128());
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), low);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to + kChunk), high);
-    afterBlank = (blanks & 0x8000) != 0;
+    afterBlank = ((blanks >> (count - 1)) & 1) != 0;
     seen.AddAscii(low);
     seen.AddAscii(high);
     return true;
@@ -187,10 +196,13 @@ size_t CleanUnits(const Unit* text, size_t n, char16_t* to, SeenUnits* record) {
     while (i < n) {
 #if defined(__SSE2__)
         if constexpr (std::is_same_v<Unit, unsigned char>) {
-            // Only plain ASCII lines come as bytes, and they are always recorded.
-            if (n - i >= 2 * kChunk && CleanWideChunk(text + i, to + out, afterBlank, *record)) {
-                i += 2 * kChunk;
-                out += 2 * kChunk;
+            // Only plain ASCII lines come as bytes, always recorded and with room for
+            // a whole chunk read and written past their end.
+            // A shorter rest costs less unit by unit than masked.
+            const size_t count = std::min(n - i, 2 * kChunk);
+            if (count > kChunk && CleanWideChunk(text + i, count, to + out, afterBlank, *record)) {
+                i += count;
+                out += count;
                 continue;
             }
         }
@@ -229,7 +241,7 @@ std::u16string& CleanLine(std::u16string& line, UnitSet& present) { return Clean
 
 void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present) {
     SeenUnits seen;
-    line.resize(bytes.size());
+    line.resize(bytes.size() + kAsciiLinePadding);
     line.resize(CleanUnits(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), line.data(), &seen));
     seen.AddTo(present);
 }

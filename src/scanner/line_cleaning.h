@@ -15,8 +15,11 @@ namespace kestrel {
 std::u16string& CleanLine(std::u16string& line);
 // As CleanLine, recording in `present` every code unit the cleaned line holds.
 std::u16string& CleanLine(std::u16string& line, UnitSet& present);
+// How many bytes after a line CleanAsciiLine may read, and ignores.
+inline constexpr size_t kAsciiLinePadding = 16;
 // As CleanLine with `present`, on a line of ASCII bytes, each one unit: decoding and
-// cleaning in one pass. `line`'s old text is replaced.
+// cleaning in one pass. `line`'s old text is replaced. The kAsciiLinePadding bytes
+// after `bytes` must be readable: a line's last bytes are read sixteen at a time.
 void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present);
 
 // Removes one-line and multi-line comments from lines 1 to lineCount, carrying an

@@ -44,7 +44,7 @@ void Reserve(ByteBuffer& buffer, size_t used, size_t wanted) {
 // which would only report the end, one per file. False on a read error (errno is set).
 bool ReadAll(int fd, size_t expected, ByteBuffer& buffer, size_t& size) {
     size = 0;
-    Reserve(buffer, 0, expected + 1);
+    Reserve(buffer, 0, expected + kAsciiLinePadding);
     for (;;) {
         if (expected != 0 && size == expected) return true;
         if (size == buffer.capacity) Reserve(buffer, size, std::max<size_t>(size * 2, 65536));
@@ -85,6 +85,9 @@ bool clsLoader::OpenFile(const std::string& fileName) {
         std::swap(bytes_, SpareBuffer());
         const size_t expected = S_ISREG(st.st_mode) && st.st_size > 0 ? static_cast<size_t>(st.st_size) : 0;
         if (!ReadAll(fd, expected, bytes_, size_)) error = errno;
+        // Zeros after the last line, which CleanAsciiLine may read past a line's end.
+        Reserve(bytes_, size_, size_ + kAsciiLinePadding);
+        std::memset(bytes_.data.get() + size_, 0, kAsciiLinePadding);
     }
     ::close(fd);
     if (error != 0) {
