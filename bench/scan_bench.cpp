@@ -25,7 +25,7 @@ class CountingOutput : public ScanOutput {
 public:
     explicit CountingOutput(std::u16string name) : name_(std::move(name)) {}
     int32_t FileType() const override { return FILETYPE_IMPLEMENTATION; }
-    std::u16string FileName() override { return name_; }
+    const std::u16string& FileName() override { return name_; }
     void WriteDeclare__(const std::u16string&, int32_t, int16_t, const std::u16string&) override { ++calls; }
     void WriteVariable__(const std::u16string&, int32_t, int16_t, const std::u16string&) override { ++calls; }
     void WriteEndClass__(const std::u16string&, int32_t) override { ++calls; }

@@ -28,7 +28,7 @@ class CheckedOutput : public ScanOutput {
 public:
     CheckedOutput(std::u16string name, int32_t type) : name_(std::move(name)), type_(type) {}
     int32_t FileType() const override { return type_; }
-    std::u16string FileName() override { return name_; }
+    const std::u16string& FileName() override { return name_; }
     void WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t, const std::u16string&) override {
         Member(fullName, line);
     }

@@ -17,7 +17,7 @@ namespace {
 class CountingOutput : public ScanOutput {
 public:
     int32_t FileType() const override { return FILETYPE_DEFINITION; }
-    std::u16string FileName() override { return name; }
+    const std::u16string& FileName() override { return name; }
     void WriteDeclare__(const std::u16string&, int32_t, int16_t, const std::u16string&) override { ++calls; }
     void WriteVariable__(const std::u16string&, int32_t, int16_t, const std::u16string&) override { ++calls; }
     void WriteEndClass__(const std::u16string&, int32_t) override { ++calls; }

@@ -44,15 +44,27 @@ char16_t UpperUnitFromTable(char16_t c) { return Table().map[c]; }
 
 std::u16string UpperCase(std::u16string_view s) {
     std::u16string out(s);
-    const UpperTable* table = nullptr;  // looked up only when a unit needs it
-    for (auto& c : out) {
-        if (c < 128) {
-            c = (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - 32) : c;
-        } else {
-            if (!table) table = &Table();
-            c = table->map[c];
+    char16_t* const units = out.data();
+    const size_t n = out.size();
+    size_t i = 0;
+#if defined(__SSE2__)
+    // Keys are mostly ASCII: eight units at a time, and the last few as part of a step
+    // that overlaps the one before (UpperUnit keeps what it gives).
+    const auto eight = [&](size_t at) {
+        __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + at));
+        if (!UpperAsciiEight(chunk)) {
+            for (size_t k = at; k < at + 8; ++k) units[k] = UpperUnit(units[k]);
+            return;
         }
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(units + at), chunk);
+    };
+    if (n >= 8) {
+        for (; i + 8 <= n; i += 8) eight(i);
+        if (i < n) eight(n - 8);
+        return out;
     }
+#endif
+    for (; i < n; ++i) units[i] = UpperUnit(units[i]);
     return out;
 }
 

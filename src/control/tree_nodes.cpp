@@ -274,7 +274,7 @@ void TreeView::AddFile__(const FilePtr& file) {
         const FileFolder& folder = FolderOfType(file->FileType());
         NodeId folderNode =
             GetANodeEx__(1, std::u16string(folder.key), std::u16string(folder.text), project, folder.image);
-        const std::u16string name = file->FileName();
+        const std::u16string& name = file->FileName();
         GetANodeEx__(1, name, ExtractFilename__(name, 0), folderNode, folder.image);
     });
 }

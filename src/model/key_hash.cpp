@@ -54,22 +54,15 @@ constexpr KeepShuffles kKeepShuffles = [] {
 // Eight units at a time: ASCII upper-cased by comparisons, the spaces squeezed out by
 // one byte shuffle. A group with a unit beyond ASCII goes one unit at a time.
 __attribute__((target("ssse3"))) size_t PackWithShuffles(const char16_t* text, size_t n, char16_t* to) {
-    const __m128i beyondAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
-    const __m128i beforeA = _mm_set1_epi16(u'a' - 1);
-    const __m128i pastZ = _mm_set1_epi16(u'z' + 1);
-    const __m128i caseBit = _mm_set1_epi16(0x20);
     const __m128i space = _mm_set1_epi16(u' ');
     size_t packed = 0;
     size_t i = 0;
     for (; n - i >= 8; i += 8) {
         __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
-        const __m128i wide = _mm_cmpeq_epi16(_mm_and_si128(units, beyondAscii), _mm_setzero_si128());
-        if (_mm_movemask_epi8(wide) != 0xFFFF) {
+        if (!UpperAsciiEight(units)) {
             packed += PackKeyUnitsOneByOne(text + i, 8, to + packed);
             continue;
         }
-        const __m128i lower = _mm_and_si128(_mm_cmpgt_epi16(units, beforeA), _mm_cmplt_epi16(units, pastZ));
-        units = _mm_sub_epi16(units, _mm_and_si128(lower, caseBit));
         const __m128i spaces = _mm_packs_epi16(_mm_cmpeq_epi16(units, space), _mm_setzero_si128());
         const unsigned spaceBits = static_cast<unsigned>(_mm_movemask_epi8(spaces));
         const __m128i shuffle = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeepShuffles.shuffle[spaceBits].data()));

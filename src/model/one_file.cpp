@@ -16,7 +16,7 @@ constexpr std::string_view kModule = "clsOneFile.cls";
 
 }  // namespace
 
-std::u16string clsOneFile::FileName() {
+const std::u16string& clsOneFile::FileName() {
     Trap(kModule, "Property (Get) FileName", [&] {
         if (absolute_.empty()) {
             std::shared_ptr<ModelSink> sink = sink_.lock();

@@ -27,7 +27,7 @@ public:
     // The stored name (project-relative once the file has been updated).
     std::u16string RelativeFilename() const { return stored_; }
     // The absolute name: the sink's AbsPath__ of the stored name, computed once and kept.
-    std::u16string FileName() override;
+    const std::u16string& FileName() override;
     // Replaces the stored name as given; the cached absolute name is kept.
     void FileName(const std::u16string& value) { stored_ = value; }
 

@@ -177,9 +177,4 @@ void clsBinaryFile::Reset() {
     hitEnd_ = false;
 }
 
-clsBinaryFile& g_BinaryFile() {
-    static clsBinaryFile file;
-    return file;
-}
-
 }  // namespace kestrel

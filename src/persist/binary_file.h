@@ -8,6 +8,7 @@
 // damaged file can stop instead of running through counts the file cannot hold.
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -69,17 +70,25 @@ public:
     // answers the end of what was written.
     static char16_t* Widen(std::string_view bytes, char16_t* to) {
         const auto* from = reinterpret_cast<const unsigned char*>(bytes.data());
-        size_t n = bytes.size();
+        const size_t n = bytes.size();
 #ifdef __SSE2__
-        // Eight bytes at a time: texts are short, so the loop the compiler would make,
-        // with its set-up for long runs, costs more than the copying.
-        for (; n >= 8; n -= 8, from += 8, to += 8) {
-            const __m128i eight = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi8(eight, _mm_setzero_si128()));
+        // Texts are short, so the loop the compiler would make, with its set-up for long
+        // runs, costs more than the copying; and a byte loop for the last few units
+        // costs more than widening them again as part of a whole step that overlaps the
+        // one before.
+        if (n >= 8) {
+            for (size_t i = 0; i + 8 <= n; i += 8) WidenEight(from + i, to + i);
+            if (n % 8 != 0) WidenEight(from + n - 8, to + n - 8);
+            return to + n;
+        }
+        if (n >= 4) {
+            WidenFour(from, to);
+            WidenFour(from + n - 4, to + n - 4);
+            return to + n;
         }
 #endif
-        for (; n > 0; --n) *to++ = *from++;
-        return to;
+        for (size_t i = 0; i < n; ++i) to[i] = from[i];
+        return to + n;
     }
     // How many bytes of text follow a string record's length: none for the empty and
     // the overlong (whose text is deliberately not skipped).
@@ -96,6 +105,17 @@ public:
     bool HitEnd() const { return hitEnd_; }
 
 private:
+#ifdef __SSE2__
+    static void WidenEight(const unsigned char* from, char16_t* to) {
+        const __m128i eight = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi8(eight, _mm_setzero_si128()));
+    }
+    static void WidenFour(const unsigned char* from, char16_t* to) {
+        int32_t four;
+        std::memcpy(&four, from, sizeof four);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), _mm_setzero_si128()));
+    }
+#endif
     // Moves the unread bytes to the front of the buffer and reads behind them until n
     // are there, the missing ones zeros.
     void WidenWindow(size_t n);
@@ -113,6 +133,10 @@ private:
 };
 
 // The one shared instance, created on first use. Whoever opened it owns its position.
-clsBinaryFile& g_BinaryFile();
+// Inline: every record read asks for it.
+inline clsBinaryFile& g_BinaryFile() {
+    static clsBinaryFile file;
+    return file;
+}
 
 }  // namespace kestrel

@@ -29,7 +29,7 @@ public:
     int16_t Language() const { return language_; }
 
     int32_t FileType() const override { return fileType_; }
-    std::u16string FileName() override { return fileName_; }
+    const std::u16string& FileName() override { return fileName_; }
     void WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
                         const std::u16string& params) override;
     void WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,

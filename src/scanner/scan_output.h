@@ -10,9 +10,10 @@ class ScanOutput {
 public:
     virtual ~ScanOutput() = default;
 
-    // The file's kind (FILETYPE_*) and its absolute name, read by the scanner.
+    // The file's kind (FILETYPE_*) and its absolute name, read by the scanner. The
+    // name is the output's own, valid as long as it lives.
     virtual int32_t FileType() const = 0;
-    virtual std::u16string FileName() = 0;
+    virtual const std::u16string& FileName() = 0;
 
     virtual void WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
                                 const std::u16string& params) = 0;

@@ -12,6 +12,17 @@ TEST(UpperCase, MapsEachCodeUnitToItsSimpleUpperForm) {
     EXPECT_EQ(UpperCase(u"\u00df"), u"\u00df");                     // ß has no simple upper form
     EXPECT_EQ(UpperCase(u"\u03b1\u0444"), u"\u0391\u0424");         // Greek and Cyrillic
     EXPECT_EQ(UpperCase(u"\xd83d"), u"\xd83d");                     // lone surrogate unchanged
+    // Texts of every short length, with one unit beyond ASCII at each place or none:
+    // ASCII goes eight units at a time and its last few again in an overlapping step.
+    for (size_t n = 0; n <= 20; ++n) {
+        for (size_t wide = 0; wide <= n; ++wide) {
+            std::u16string text;
+            for (size_t i = 0; i < n; ++i) text.push_back(i == wide ? u'\u00e9' : u"aZ_m{`"[i % 6]);
+            const std::u16string upper = UpperCase(text);
+            ASSERT_EQ(upper.size(), n);
+            for (size_t i = 0; i < n; ++i) ASSERT_EQ(upper[i], UpperUnit(text[i])) << n << " units, unit " << i;
+        }
+    }
 }
 
 TEST(UpperCase, KeepsWhatItGives) {

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "persist/binary_file.h"
 #include "project_support.h"
 
@@ -45,6 +48,22 @@ TEST_F(BinaryFileFixture, WritesLittleEndianNumbersAndCountedSingleByteStrings) 
     file.Reset();
     EXPECT_FALSE(file.HitEnd());
     EXPECT_EQ(file.LoadNumeric(), 3);
+}
+
+TEST_F(BinaryFileFixture, StringsOfEveryShortLengthReadBackUnitForUnit) {
+    // Texts are widened a few units at a time, the last ones again as part of a step
+    // that overlaps the one before; bytes above 127 must not come back sign-extended.
+    std::vector<std::u16string> texts;
+    for (size_t n = 0; n <= 24; ++n) {
+        std::u16string text;
+        for (size_t i = 0; i < n; ++i) text.push_back(static_cast<char16_t>(i % 2 ? 0xA0 + i : u'a' + i));
+        texts.push_back(text);
+    }
+    ASSERT_TRUE(file.OpenFile(Name(), true));
+    for (const std::u16string& text : texts) file.SaveString(text);
+    ASSERT_TRUE(file.CloseFile());
+    ASSERT_TRUE(file.OpenFile(Name(), false));
+    for (const std::u16string& text : texts) EXPECT_EQ(file.LoadString(), text) << text.size() << " units";
 }
 
 TEST_F(BinaryFileFixture, EmptyNegativeOverlongAndCutShortStringsConsumeOnlyTheLength) {

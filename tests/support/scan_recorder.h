@@ -19,7 +19,7 @@ public:
         : fileName_(std::move(fileName)), fileType_(fileType) {}
 
     int32_t FileType() const override { return fileType_; }
-    std::u16string FileName() override { return fileName_; }
+    const std::u16string& FileName() override { return fileName_; }
     void WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
                         const std::u16string& params) override {
         Record("declare", line, scope, fullName, params);

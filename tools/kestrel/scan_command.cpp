@@ -24,7 +24,7 @@ public:
     TraceOutput(std::u16string fileName, std::ostream* out) : fileName_(std::move(fileName)), out_(out) {}
 
     int32_t FileType() const override { return FILETYPE_IMPLEMENTATION; }
-    std::u16string FileName() override { return fileName_; }
+    const std::u16string& FileName() override { return fileName_; }
 
     void WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
                         const std::u16string& params) override {
