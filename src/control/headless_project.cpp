@@ -58,7 +58,7 @@ bool HeadlessProject::SaveComplete() {
     return saved;
 }
 
-std::u16string HeadlessProject::ProjectDirectory() {
+const std::u16string& HeadlessProject::ProjectDirectory() {
     if (projectDir_.empty()) projectDir_ = kestrel::ExtractPath__(fileName_, pathStyle_);
     return projectDir_;
 }

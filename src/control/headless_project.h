@@ -67,7 +67,7 @@ public:
 
 private:
     // Taken from the project's file name when first needed, as the control does.
-    std::u16string ProjectDirectory();
+    const std::u16string& ProjectDirectory();
 
     AllFilesPtr files_ = std::make_shared<clsAllFiles>();
     PathStyle pathStyle_;

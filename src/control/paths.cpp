@@ -51,7 +51,7 @@ std::u16string AbsPath__(std::u16string_view stored, std::u16string_view project
         }
         const char16_t sep = Separator(style);
         const std::u16string up = UpOneFolder(style);
-        std::u16string dir(projectDir);
+        std::u16string_view dir = projectDir;
         std::u16string_view rest = stored;
         while (rest.substr(0, 3) == up) {
             rest.remove_prefix(3);
@@ -59,12 +59,14 @@ std::u16string AbsPath__(std::u16string_view stored, std::u16string_view project
             // to climb and the directory stays.
             for (size_t j = dir.size() >= 2 ? dir.size() - 1 : 0; j-- > 0;) {
                 if (dir[j] == sep) {
-                    dir.resize(j + 1);
+                    dir = dir.substr(0, j + 1);
                     break;
                 }
             }
         }
-        result = dir + std::u16string(rest);
+        // Every file of a loaded project comes through here: one allocation each.
+        result.reserve(dir.size() + rest.size());
+        result.append(dir).append(rest);
     });
     return result;
 }

@@ -146,7 +146,7 @@ private:
     bool HeldByAnotherFile(const std::u16string& className, const FilePtr& except);
     void ForgetCurrentClass();
     void EmptyProject();
-    std::u16string ProjectDirectory();
+    const std::u16string& ProjectDirectory();
 
     PlatformTree* classTree_;
     PlatformTree* fileTree_;

@@ -10,7 +10,7 @@ namespace {
 constexpr const char* kModule = "TreeView.ctl";
 }
 
-std::u16string TreeView::ProjectDirectory() {
+const std::u16string& TreeView::ProjectDirectory() {
     if (projectDir_.empty()) projectDir_ = kestrel::ExtractPath__(fileName_, pathStyle_);
     return projectDir_;
 }
