@@ -54,6 +54,18 @@ bool StripComments(SpliceText& text, const SyntaxTable& syntax) {
     }
 }
 
+// The marker as bytes, when a search of a line's raw UTF-8 bytes finds it exactly where
+// a search of the cleaned line would: every unit ASCII (so no byte of a longer
+// sequence is mistaken for it) and none a blank (which cleaning turns or drops).
+std::string MarkerBytes(std::u16string_view marker) {
+    std::string bytes;
+    for (char16_t c : marker) {
+        if (c >= 128 || c == u' ' || c == u'\t') return {};
+        bytes.push_back(static_cast<char>(c));
+    }
+    return bytes;
+}
+
 }  // namespace
 
 namespace {
@@ -246,35 +258,48 @@ void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& prese
     seen.AddTo(present);
 }
 
+CommentStripper::CommentStripper(const SyntaxTable& syntax)
+    : syntax_(syntax),
+      opens_(!syntax.MultiCommentStart.empty()),
+      ones_(!syntax.OneLineComment.empty()),
+      opening_(UnitSet::Of(syntax.MultiCommentStart)),
+      oneLine_(UnitSet::Of(syntax.OneLineComment)),
+      closing_(UnitSet::Of(syntax.MultiCommentEnd)),
+      endBytes_(MarkerBytes(syntax.MultiCommentEnd)) {}
+
+void CommentStripper::StripTrapped(std::u16string& line, const UnitSet& units) {
+    stopped_ = !Trap(kModule, "Sub RemoveComments", [&] { Strip(line, units); });
+}
+
+// Called for a line inside a comment, or one that may hold a marker opening one.
+void CommentStripper::Strip(std::u16string& line, const UnitSet& units) {
+    if (inComment_ && !units.MayHold(closing_)) {
+        line.clear();  // the comment cannot end on this line
+        return;
+    }
+    SpliceText text(line);
+    if (inComment_) {
+        size_t e = text.Find(syntax_.MultiCommentEnd, 0);
+        if (e == SpliceText::npos) {
+            text.Truncate(0);
+        } else {
+            text.Erase(0, e + syntax_.MultiCommentEnd.size());
+            inComment_ = false;
+        }
+    }
+    if (!inComment_) inComment_ = StripComments(text, syntax_);
+    text.Finish();
+}
+
 void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
                     const std::vector<UnitSet>* present) {
+    CommentStripper stripper(syntax);
+    const UnitSet anything = UnitSet::Anything();
+    // A line count past the array is an error of the pass, as one inside a line is.
     Trap(kModule, "Sub RemoveComments", [&] {
-        const bool opens = !syntax.MultiCommentStart.empty(), ones = !syntax.OneLineComment.empty();
-        const UnitSet opening = UnitSet::Of(syntax.MultiCommentStart), oneLine = UnitSet::Of(syntax.OneLineComment);
-        const UnitSet closing = UnitSet::Of(syntax.MultiCommentEnd), anything = UnitSet::Anything();
-        bool inComment = false;
         for (int32_t i = 1; i <= lineCount; ++i) {
-            std::u16string& line = lines.at(static_cast<size_t>(i));
-            if (line.empty()) continue;
-            const UnitSet& units = present ? (*present)[static_cast<size_t>(i)] : anything;
-            if (inComment && !units.MayHold(closing)) {
-                line.clear();  // the comment cannot end on this line
-                continue;
-            }
-            if (!inComment && !(opens && units.MayHold(opening)) && !(ones && units.MayHold(oneLine)))
-                continue;  // no marker can start on this line
-            SpliceText text(line);
-            if (inComment) {
-                size_t e = text.Find(syntax.MultiCommentEnd, 0);
-                if (e == SpliceText::npos) {
-                    text.Truncate(0);
-                } else {
-                    text.Erase(0, e + syntax.MultiCommentEnd.size());
-                    inComment = false;
-                }
-            }
-            if (!inComment) inComment = StripComments(text, syntax);
-            text.Finish();
+            const size_t k = static_cast<size_t>(i);
+            stripper.StripLine(lines.at(k), present ? (*present)[k] : anything);
         }
     });
 }

@@ -22,10 +22,44 @@ inline constexpr size_t kAsciiLinePadding = 16;
 // after `bytes` must be readable: a line's last bytes are read sixteen at a time.
 void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present);
 
-// Removes one-line and multi-line comments from lines 1 to lineCount, carrying an
-// open multi-line comment from line to line. Knows nothing of string literals.
-// `present`, when given, holds the units of each line (same indices as `lines`), so
-// lines that cannot hold a marker are passed over unread.
+// Removes one-line and multi-line comments from one line after another, carrying an
+// open multi-line comment from each line to the next. Knows nothing of string
+// literals. A run-time error ends the removal: that line and every later one keep
+// their comments.
+class CommentStripper {
+public:
+    // `syntax` must outlive the stripper.
+    explicit CommentStripper(const SyntaxTable& syntax);
+
+    // Removes the comments of the next line. `units` holds at least the line's units,
+    // so a line that cannot hold a marker is passed over unread.
+    void StripLine(std::u16string& line, const UnitSet& units) {
+        if (!stopped_ && !line.empty() && (inComment_ || MayOpen(units))) StripTrapped(line, units);
+    }
+
+    // The bytes of the marker that ends the open multi-line comment, when the lines
+    // so far end inside one and the marker is plain ASCII without blanks: then a line
+    // whose UTF-8 bytes do not hold these is emptied whole by StripLine, cleaned or
+    // not. Empty otherwise.
+    std::string_view OpenCommentEnd() const { return inComment_ && !stopped_ ? endBytes_ : std::string_view(); }
+
+private:
+    bool MayOpen(const UnitSet& units) const {
+        return (opens_ && units.MayHold(opening_)) || (ones_ && units.MayHold(oneLine_));
+    }
+    void StripTrapped(std::u16string& line, const UnitSet& units);
+    void Strip(std::u16string& line, const UnitSet& units);
+
+    const SyntaxTable& syntax_;
+    const bool opens_, ones_;
+    const UnitSet opening_, oneLine_, closing_;
+    std::string endBytes_;
+    bool inComment_ = false;
+    bool stopped_ = false;
+};
+
+// A CommentStripper run over lines 1 to lineCount. `present`, when given, holds the
+// units of each line (same indices as `lines`).
 void RemoveComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax,
                     const std::vector<UnitSet>* present = nullptr);
 

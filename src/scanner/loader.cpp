@@ -122,6 +122,15 @@ void clsLoader::ReadLineInto(std::u16string& line) { Read(line, nullptr); }
 
 void clsLoader::ReadCleanLineInto(std::u16string& line, UnitSet& present) { Read(line, &present); }
 
+bool clsLoader::SkipLineWithout(std::string_view bytes) {
+    if (bytes.empty() || !open_ || EndOfFile || pos_ >= size_ || encoding_ != Encoding::Utf8) return false;
+    const size_t start = pos_;
+    bool ascii = false;
+    if (NextUtf8Line(ascii).find(bytes) == std::string_view::npos) return true;
+    pos_ = start;
+    return false;
+}
+
 void clsLoader::Read(std::u16string& line, UnitSet* present) {
     bool cleaned = false;
     line.clear();

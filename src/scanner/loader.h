@@ -41,6 +41,9 @@ public:
     // As ReadLineInto, the line then cleaned as CleanLine does, recording its units in
     // `present`. A plain ASCII line is decoded and cleaned in one pass.
     void ReadCleanLineInto(std::u16string& line, UnitSet& present);
+    // Passes over the next line unread when the file is UTF-8 and the line's bytes do
+    // not hold `bytes` (not empty); true then. Otherwise reads nothing and answers false.
+    bool SkipLineWithout(std::string_view bytes);
     void CloseFile();
 
     // errno of the last OpenFile that failed, for messages.

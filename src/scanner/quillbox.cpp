@@ -103,7 +103,6 @@ void clsQuillbox::StoreLine(std::u16string_view raw) {
 }
 
 void clsQuillbox::RunPasses(ScanOutput& output, int16_t nLang) {
-    RemoveComments(lines_, lineCount_, syntax, &units_);
     ParseInclude();
     if (beforeBlockPass_) beforeBlockPass_(*this);
     TakeLevelsOut(lines_, lineCount_, syntax, nLang, results_, &units_);
@@ -119,8 +118,20 @@ bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
         loader.Init();
         StartScan(output, nLang);
         if (!loader.OpenFile(ToUtf8(output.FileName()))) return;
-        // The reader never returns a line feed, so its lines need no splitting.
-        while (!loader.EndOfFile) loader.ReadCleanLineInto(NewLine(), units_.emplace_back());
+        // Comments are removed as each line comes in, so that the lines inside a block
+        // comment, which only empty out, are passed over unread. The reader never
+        // returns a line feed, so its lines need no splitting.
+        CommentStripper comments(syntax);
+        while (!loader.EndOfFile) {
+            std::u16string& line = NewLine();
+            UnitSet& units = units_.emplace_back();
+            if (const std::string_view end = comments.OpenCommentEnd(); !end.empty() && loader.SkipLineWithout(end)) {
+                line.clear();
+                continue;
+            }
+            loader.ReadCleanLineInto(line, units);
+            comments.StripLine(line, units);
+        }
         loader.CloseFile();
         RunPasses(output, nLang);
         scanned = true;
@@ -137,6 +148,7 @@ bool clsQuillbox::ParseEmbeededFile(ScanOutput& output, int16_t nLang, LineSourc
         // One counter is both the array index and the host's line number, so a host
         // line split at line feeds makes the following host lines skip ahead.
         while (lineCount_ < n) StoreLine(source.Line(lineCount_ + 1));
+        RemoveComments(lines_, lineCount_, syntax, &units_);
         RunPasses(output, nLang);
         scanned = true;
     });

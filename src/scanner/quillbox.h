@@ -56,6 +56,7 @@ private:
     void CleanNewLine();
     void StoreLine(std::u16string_view raw);
     void ReleaseLines();
+    // The passes after the lines are in, cleaned and free of comments.
     void RunPasses(ScanOutput& output, int16_t nLang);
     void SecondPass(ScanOutput& output, int16_t nLang);
 

@@ -74,6 +74,41 @@ TEST(ParseFile, ParameterListsReadLinesTheBlockPassLeftBehind) {
     EXPECT_EQ(capture.Seen(), Calls{"clsQuillbox.cls|Sub TakeLevelsOut|9"});
 }
 
+TEST(ParseFile, LinesInsideABlockCommentEmptyOutAsTheyDoInTheEditorsCopy) {
+    // Lines a file scan passes over unread inside a comment, and the lines it has to
+    // read there: the closer's units apart or split by a blank, a closer after
+    // non-ASCII text or a tab, a comment open at the end of a file without a line end.
+    const std::vector<std::u16string> lines = {
+        u"int a; /* opens",
+        u" * a / b * c: both units of the closer, apart",
+        u" * a closer split by a blank * / still open",
+        u" * \u00FCn\u00EFc\u00F6d\u00E9 and a tab\t*/\tint b; /* again",
+        u"*/",
+        u"  /* one line */ int c; /*/ closes at once */ int d;",
+        u"/* left open",
+        u"the last line, still inside",
+    };
+    std::string utf8, utf16 = "\xFF\xFE";
+    for (const std::u16string& line : lines) {
+        utf8 += ToUtf8(line) + (&line == &lines.back() ? "" : "\r\n");
+        for (char16_t c : line + (&line == &lines.back() ? u"" : u"\n")) utf16 += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
+    }
+    auto fileDump = [](const std::string& bytes) {
+        DumpingScanner q;
+        ScanBytes(bytes, LANGUAGE_C, &q);
+        return q.dump;
+    };
+    const std::string expected =
+        "1 -- int a; \n2 -- \n3 -- \n4 --  int b; \n5 -- \n6 --  int c;  closes at once */ int d;\n7 -- \n8 -- \n9 -- \n";
+    EXPECT_EQ(fileDump(utf8), expected);
+    EXPECT_EQ(fileDump(utf16), expected);  // UTF-16 lines are all read
+    test::TextLines host{std::vector<std::u16string>(lines)};
+    ScanRecorder out(u"buffer");
+    DumpingScanner q;
+    q.ParseEmbeededFile(out, LANGUAGE_C, host);
+    EXPECT_EQ(q.dump, expected.substr(0, expected.rfind("9 -- ")));  // the editor's copy has no extra last line
+}
+
 TEST(ParseEmbeededFile, AHostLineWithALineFeedMakesTheFollowingLinesSkipAhead) {
     test::TextLines host{u"int a;", u"int b;", u"int c;\nint d;", u"int skipped;", u"int e;", u"int f;"};
     ScanRecorder out(u"buffer");
