@@ -200,11 +200,11 @@ inline bool CleanWideChunk(const unsigned char* from, size_t count, char16_t* to
 // runs both go. Chunks without such blanks (most of a line past its indentation) go
 // through CleanChunk; runs of blanks unit by unit, without branches on the characters.
 // Writes the cleaned units to `to` (which may be `text` itself) and answers how many.
+// The indentation, up to `i`, goes whole.
 template <class Unit>
-size_t CleanUnits(const Unit* text, size_t n, char16_t* to, SeenUnits* record) {
+size_t CleanUnits(const Unit* text, size_t n, size_t i, char16_t* to, SeenUnits* record) {
     size_t out = 0;
     bool afterBlank = true;
-    size_t i = IndentationEnd(text, n);  // indentation goes whole
     while (i < n) {
 #if defined(__SSE2__)
         if constexpr (std::is_same_v<Unit, unsigned char>) {
@@ -240,7 +240,8 @@ size_t CleanUnits(const Unit* text, size_t n, char16_t* to, SeenUnits* record) {
 
 std::u16string& Clean(std::u16string& line, UnitSet* present) {
     SeenUnits seen;
-    line.resize(CleanUnits(line.data(), line.size(), line.data(), present ? &seen : nullptr));
+    line.resize(CleanUnits(line.data(), line.size(), IndentationEnd(line.data(), line.size()), line.data(),
+                           present ? &seen : nullptr));
     if (present) seen.AddTo(*present);
     return line;
 }
@@ -251,10 +252,21 @@ std::u16string& CleanLine(std::u16string& line) { return Clean(line, nullptr); }
 
 std::u16string& CleanLine(std::u16string& line, UnitSet& present) { return Clean(line, &present); }
 
-void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present) {
+void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present, std::string_view emptyingStart) {
+    const auto* text = reinterpret_cast<const unsigned char*>(bytes.data());
+    const size_t n = bytes.size();
+    const size_t from = IndentationEnd(text, n);
+    if (!emptyingStart.empty() && n - from >= emptyingStart.size()) {
+        size_t k = 0;
+        while (k < emptyingStart.size() && bytes[from + k] == emptyingStart[k]) ++k;
+        if (k == emptyingStart.size()) {
+            line.clear();
+            return;
+        }
+    }
     SeenUnits seen;
-    line.resize(bytes.size() + kAsciiLinePadding);
-    line.resize(CleanUnits(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), line.data(), &seen));
+    line.resize(n + kAsciiLinePadding);
+    line.resize(CleanUnits(text, n, from, line.data(), &seen));
     seen.AddTo(present);
 }
 
@@ -265,6 +277,7 @@ CommentStripper::CommentStripper(const SyntaxTable& syntax)
       opening_(UnitSet::Of(syntax.MultiCommentStart)),
       oneLine_(UnitSet::Of(syntax.OneLineComment)),
       closing_(UnitSet::Of(syntax.MultiCommentEnd)),
+      oneLineBytes_(MarkerBytes(syntax.OneLineComment)),
       endBytes_(MarkerBytes(syntax.MultiCommentEnd)) {}
 
 void CommentStripper::StripTrapped(std::u16string& line, const UnitSet& units) {

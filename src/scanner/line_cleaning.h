@@ -20,7 +20,9 @@ inline constexpr size_t kAsciiLinePadding = 16;
 // As CleanLine with `present`, on a line of ASCII bytes, each one unit: decoding and
 // cleaning in one pass. `line`'s old text is replaced. The kAsciiLinePadding bytes
 // after `bytes` must be readable: a line's last bytes are read sixteen at a time.
-void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present);
+// A line whose first bytes after its blanks are `emptyingStart` (a one-line comment
+// that takes the whole line) is left empty instead, uncleaned and unrecorded.
+void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present, std::string_view emptyingStart = {});
 
 // Removes one-line and multi-line comments from one line after another, carrying an
 // open multi-line comment from each line to the next. Knows nothing of string
@@ -42,6 +44,10 @@ public:
     // whose UTF-8 bytes do not hold these is emptied whole by StripLine, cleaned or
     // not. Empty otherwise.
     std::string_view OpenCommentEnd() const { return inComment_ && !stopped_ ? endBytes_ : std::string_view(); }
+    // Likewise the one-line marker when the lines so far end outside a block comment:
+    // a line whose UTF-8 bytes start with it after blanks is emptied whole by StripLine,
+    // so it can be left empty uncleaned (see CleanAsciiLine).
+    std::string_view OneLineStart() const { return !inComment_ && !stopped_ ? oneLineBytes_ : std::string_view(); }
 
 private:
     bool MayOpen(const UnitSet& units) const {
@@ -53,7 +59,8 @@ private:
     const SyntaxTable& syntax_;
     const bool opens_, ones_;
     const UnitSet opening_, oneLine_, closing_;
-    std::string endBytes_;
+    // The markers as a line's UTF-8 bytes hold them, empty where they cannot be told there.
+    const std::string oneLineBytes_, endBytes_;
     bool inComment_ = false;
     bool stopped_ = false;
 };

@@ -118,9 +118,11 @@ std::u16string clsLoader::ReadLine() {
     return line;
 }
 
-void clsLoader::ReadLineInto(std::u16string& line) { Read(line, nullptr); }
+void clsLoader::ReadLineInto(std::u16string& line) { Read(line, nullptr, {}); }
 
-void clsLoader::ReadCleanLineInto(std::u16string& line, UnitSet& present) { Read(line, &present); }
+void clsLoader::ReadCleanLineInto(std::u16string& line, UnitSet& present, std::string_view emptyingStart) {
+    Read(line, &present, emptyingStart);
+}
 
 bool clsLoader::SkipLineWithout(std::string_view bytes) {
     if (bytes.empty() || !open_ || EndOfFile || pos_ >= size_ || encoding_ != Encoding::Utf8) return false;
@@ -131,7 +133,7 @@ bool clsLoader::SkipLineWithout(std::string_view bytes) {
     return false;
 }
 
-void clsLoader::Read(std::u16string& line, UnitSet* present) {
+void clsLoader::Read(std::u16string& line, UnitSet* present, std::string_view emptyingStart) {
     bool cleaned = false;
     line.clear();
     if (!open_ || EndOfFile || pos_ >= size_) {
@@ -142,7 +144,7 @@ void clsLoader::Read(std::u16string& line, UnitSet* present) {
             bool ascii = false;
             const std::string_view bytes = NextUtf8Line(ascii);
             if (ascii && present) {
-                CleanAsciiLine(bytes, line, *present);
+                CleanAsciiLine(bytes, line, *present, emptyingStart);
                 cleaned = true;
             } else {
                 AppendUtf8(line, bytes);

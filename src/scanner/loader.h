@@ -39,8 +39,9 @@ public:
     // As ReadLine, into `line` (its old text replaced, its storage reused).
     void ReadLineInto(std::u16string& line);
     // As ReadLineInto, the line then cleaned as CleanLine does, recording its units in
-    // `present`. A plain ASCII line is decoded and cleaned in one pass.
-    void ReadCleanLineInto(std::u16string& line, UnitSet& present);
+    // `present`. A plain ASCII line is decoded and cleaned in one pass, or left empty
+    // when it starts with `emptyingStart` after its blanks (see CleanAsciiLine).
+    void ReadCleanLineInto(std::u16string& line, UnitSet& present, std::string_view emptyingStart = {});
     // Passes over the next line unread when the file is UTF-8 and the line's bytes do
     // not hold `bytes` (not empty); true then. Otherwise reads nothing and answers false.
     bool SkipLineWithout(std::string_view bytes);
@@ -53,7 +54,7 @@ private:
     enum class Encoding { Utf8, Utf16Le, Utf16Be };
 
     // Reads the next line and, given `present`, cleans it and records its units there.
-    void Read(std::u16string& line, UnitSet* present);
+    void Read(std::u16string& line, UnitSet* present, std::string_view emptyingStart);
     // The bytes of the next UTF-8 line, without its line end, which is passed over;
     // `ascii` tells whether every byte is below 128.
     std::string_view NextUtf8Line(bool& ascii);

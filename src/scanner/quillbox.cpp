@@ -118,9 +118,10 @@ bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
         loader.Init();
         StartScan(output, nLang);
         if (!loader.OpenFile(ToUtf8(output.FileName()))) return;
-        // Comments are removed as each line comes in, so that the lines inside a block
-        // comment, which only empty out, are passed over unread. The reader never
-        // returns a line feed, so its lines need no splitting.
+        // Comments are removed as each line comes in, so that the lines that only empty
+        // out are not cleaned: inside a block comment they are passed over unread, and
+        // a one-line comment that takes a whole line is left empty as it is read. The
+        // reader never returns a line feed, so its lines need no splitting.
         CommentStripper comments(syntax);
         while (!loader.EndOfFile) {
             std::u16string& line = NewLine();
@@ -129,7 +130,7 @@ bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
                 line.clear();
                 continue;
             }
-            loader.ReadCleanLineInto(line, units);
+            loader.ReadCleanLineInto(line, units, comments.OneLineStart());
             comments.StripLine(line, units);
         }
         loader.CloseFile();

@@ -75,16 +75,21 @@ TEST(ParseFile, ParameterListsReadLinesTheBlockPassLeftBehind) {
 }
 
 TEST(ParseFile, LinesInsideABlockCommentEmptyOutAsTheyDoInTheEditorsCopy) {
-    // Lines a file scan passes over unread inside a comment, and the lines it has to
-    // read there: the closer's units apart or split by a blank, a closer after
-    // non-ASCII text or a tab, a comment open at the end of a file without a line end.
+    // Lines a file scan leaves empty unread or uncleaned (inside a block comment, a
+    // one-line comment taking the whole line), and lines it has to clean: the closer's
+    // units apart or split by a blank, a closer after non-ASCII text or a tab, a
+    // one-line comment after code, a comment open at the end of a file without a line end.
     const std::vector<std::u16string> lines = {
+        u"\t  // a whole line /* opening nothing",
+        u"int e; // after code",
         u"int a; /* opens",
         u" * a / b * c: both units of the closer, apart",
         u" * a closer split by a blank * / still open",
         u" * \u00FCn\u00EFc\u00F6d\u00E9 and a tab\t*/\tint b; /* again",
         u"*/",
         u"  /* one line */ int c; /*/ closes at once */ int d;",
+        u"/* one more",
+        u"  // still inside */ int f;",
         u"/* left open",
         u"the last line, still inside",
     };
@@ -99,14 +104,15 @@ TEST(ParseFile, LinesInsideABlockCommentEmptyOutAsTheyDoInTheEditorsCopy) {
         return q.dump;
     };
     const std::string expected =
-        "1 -- int a; \n2 -- \n3 -- \n4 --  int b; \n5 -- \n6 --  int c;  closes at once */ int d;\n7 -- \n8 -- \n9 -- \n";
+        "1 -- \n2 -- int e; \n3 -- int a; \n4 -- \n5 -- \n6 --  int b; \n7 -- \n8 --  int c;  closes at once */ int d;\n"
+        "9 -- \n10 --  int f;\n11 -- \n12 -- \n13 -- \n";
     EXPECT_EQ(fileDump(utf8), expected);
     EXPECT_EQ(fileDump(utf16), expected);  // UTF-16 lines are all read
     test::TextLines host{std::vector<std::u16string>(lines)};
     ScanRecorder out(u"buffer");
     DumpingScanner q;
     q.ParseEmbeededFile(out, LANGUAGE_C, host);
-    EXPECT_EQ(q.dump, expected.substr(0, expected.rfind("9 -- ")));  // the editor's copy has no extra last line
+    EXPECT_EQ(q.dump, expected.substr(0, expected.rfind("13 -- ")));  // the editor's copy has no extra last line
 }
 
 TEST(ParseEmbeededFile, AHostLineWithALineFeedMakesTheFollowingLinesSkipAhead) {
