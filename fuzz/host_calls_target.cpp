@@ -43,9 +43,25 @@ public:
 
     void Step() {
         switch (in_.Below(19)) {
-        case 0: view_->NewProject(ProjectName(), kLanguages[in_.Below(4)], in_.Int32()); break;
-        case 1: fuzz::WriteFile(Folder() / "src" / kSourceNames[in_.Below(kSourceCount)], in_.Bytes()); break;
-        case 2: view_->files()->Add(SourceName(), static_cast<int32_t>(in_.Below(6))); break;
+        // The input is read in statements of their own: the order in which a call's
+        // arguments are evaluated differs between compilers, and a kept input must
+        // replay the same under g++ as under clang.
+        case 0: {
+            const std::u16string name = ProjectName();
+            const int16_t language = kLanguages[in_.Below(4)];
+            view_->NewProject(name, language, in_.Int32());
+            break;
+        }
+        case 1: {
+            const fs::path path = Folder() / "src" / kSourceNames[in_.Below(kSourceCount)];
+            fuzz::WriteFile(path, in_.Bytes());
+            break;
+        }
+        case 2: {
+            const std::u16string name = SourceName();
+            view_->files()->Add(name, static_cast<int32_t>(in_.Below(6)));
+            break;
+        }
         case 3: view_->files()->Remove(SourceName()); break;
         case 4: RescanFromEditor(); break;
         case 5:
@@ -122,7 +138,10 @@ private:
         AllFilesPtr files = view_->files();
         files->SetScanThreads(in_.Below(3));
         std::vector<std::pair<std::u16string, int32_t>> listed;
-        for (uint32_t n = in_.Below(6); n > 0; --n) listed.emplace_back(SourceName(), static_cast<int32_t>(in_.Below(6)));
+        for (uint32_t n = in_.Below(6); n > 0; --n) {
+            std::u16string name = SourceName();
+            listed.emplace_back(std::move(name), static_cast<int32_t>(in_.Below(6)));
+        }
         files->ScanAheadOfAdd(listed);
         for (const auto& [name, type] : listed) {
             switch (in_.Below(4)) {
