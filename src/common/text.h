@@ -41,9 +41,10 @@ std::u16string_view TrimmedView(std::u16string_view s);
 
 // Whether two texts hold the same units. The standard library compares UTF-16 texts one
 // unit at a time; the names and parameter lists compared for every declaration are
-// long enough for a block comparison to pay.
+// long enough for a block comparison to pay. An empty view may have no storage at all,
+// and memcmp must not be handed a null pointer even for no bytes.
 inline bool SameText(std::u16string_view a, std::u16string_view b) {
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
 }
 
 // UTF-8 in, UTF-16 out. Validated strictly: overlong forms, encoded surrogates and
