@@ -84,19 +84,25 @@ bool clsBinaryFile::CloseFile() {
     return !writeFailed_;
 }
 
-void clsBinaryFile::WriteBytes(const char* from, size_t n) {
+char* clsBinaryFile::Append(size_t n) {
     if (!IsOpen() || !writing_) {
         writeFailed_ = true;
-        return;
+        return nullptr;
     }
-    buffer_.insert(buffer_.end(), from, from + n);
-    if (buffer_.size() >= kBufferSize) Flush();
+    // While writing, buffer_ is all room: its first bufferPos_ bytes wait to be written.
+    if (buffer_.size() - bufferPos_ < n) {
+        Flush();
+        if (buffer_.size() < std::max(n, kBufferSize)) buffer_.resize(std::max(n, kBufferSize));
+    }
+    char* at = buffer_.data() + bufferPos_;
+    bufferPos_ += n;
+    return at;
 }
 
 bool clsBinaryFile::Flush() {
     size_t done = 0;
-    while (done < buffer_.size()) {
-        ssize_t put = ::write(fd_, buffer_.data() + done, buffer_.size() - done);
+    while (done < bufferPos_) {
+        ssize_t put = ::write(fd_, buffer_.data() + done, bufferPos_ - done);
         if (put < 0 && errno == EINTR) continue;
         if (put <= 0) {
             writeFailed_ = true;
@@ -104,7 +110,7 @@ bool clsBinaryFile::Flush() {
         }
         done += static_cast<size_t>(put);
     }
-    buffer_.clear();
+    bufferPos_ = 0;
     return !writeFailed_;
 }
 
@@ -147,24 +153,26 @@ void clsBinaryFile::LoadString(std::u16string& into) {
     Skip(into.size());
 }
 
+namespace {
+
+void EncodeNumeric(int32_t value, char* to) {
+    const uint32_t v = static_cast<uint32_t>(value);
+    const char b[4] = {char(v & 0xFF), char(v >> 8 & 0xFF), char(v >> 16 & 0xFF), char(v >> 24 & 0xFF)};
+    std::memcpy(to, b, sizeof b);
+}
+
+}  // namespace
+
 void clsBinaryFile::SaveNumeric(int32_t lNum) {
-    uint32_t v = static_cast<uint32_t>(lNum);
-    char b[4] = {char(v & 0xFF), char(v >> 8 & 0xFF), char(v >> 16 & 0xFF), char(v >> 24 & 0xFF)};
-    WriteBytes(b, 4);
+    if (char* to = Append(4)) EncodeNumeric(lNum, to);
 }
 
 void clsBinaryFile::SaveString(std::u16string_view sz) {
-    SaveNumeric(static_cast<int32_t>(sz.size()));
-    if (!IsOpen() || !writing_) {
-        writeFailed_ = true;
-        return;
+    // Length and text in one piece: every item writes three strings.
+    if (char* to = Append(4 + sz.size())) {
+        EncodeNumeric(static_cast<int32_t>(sz.size()), to);
+        Narrow(sz, to + 4);
     }
-    // Narrowed straight into the write buffer: one string per item field adds up.
-    const size_t at = buffer_.size();
-    buffer_.resize(at + sz.size());
-    char* to = buffer_.data() + at;
-    for (char16_t c : sz) *to++ = c < 256 ? static_cast<char>(c) : '?';
-    if (buffer_.size() >= kBufferSize) Flush();
 }
 
 void clsBinaryFile::Reset() {

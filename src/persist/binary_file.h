@@ -90,6 +90,25 @@ public:
         for (size_t i = 0; i < n; ++i) to[i] = from[i];
         return to + n;
     }
+    // The inverse of Widen: each code unit of `text` as one byte of its value, or '?'
+    // when it is 256 or more, written to `to`.
+    static void Narrow(std::u16string_view text, char* to) {
+        const char16_t* from = text.data();
+        const size_t n = text.size();
+#ifdef __SSE2__
+        if (n >= 8) {
+            for (size_t i = 0; i + 8 <= n; i += 8) NarrowEight(from + i, to + i);
+            if (n % 8 != 0) NarrowEight(from + n - 8, to + n - 8);
+            return;
+        }
+        if (n >= 4) {
+            NarrowFour(from, to);
+            NarrowFour(from + n - 4, to + n - 4);
+            return;
+        }
+#endif
+        for (size_t i = 0; i < n; ++i) to[i] = from[i] < 256 ? static_cast<char>(from[i]) : '?';
+    }
     // How many bytes of text follow a string record's length: none for the empty and
     // the overlong (whose text is deliberately not skipped).
     static size_t TextLength(int32_t length) { return length < 1 || length >= kMaxStringRead ? 0 : size_t(length); }
@@ -115,11 +134,27 @@ private:
         std::memcpy(&four, from, sizeof four);
         _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), _mm_setzero_si128()));
     }
+    // Units of 256 and more become '?', then each unit is packed into its low byte.
+    static __m128i NarrowUnits(__m128i units) {
+        const __m128i small = _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF00))), _mm_setzero_si128());
+        const __m128i kept = _mm_or_si128(_mm_and_si128(small, units), _mm_andnot_si128(small, _mm_set1_epi16(u'?')));
+        return _mm_packus_epi16(kept, kept);
+    }
+    static void NarrowEight(const char16_t* from, char* to) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), NarrowUnits(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from))));
+    }
+    static void NarrowFour(const char16_t* from, char* to) {
+        const int32_t four = _mm_cvtsi128_si32(NarrowUnits(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(from))));
+        std::memcpy(to, &four, sizeof four);
+    }
 #endif
     // Moves the unread bytes to the front of the buffer and reads behind them until n
     // are there, the missing ones zeros.
     void WidenWindow(size_t n);
-    void WriteBytes(const char* from, size_t n);
+    // Room for n bytes at the end of what is written, or null when nothing can be
+    // written. Records are written straight into it, so that a record of a few bytes
+    // costs no call that copies or zeroes them first.
+    char* Append(size_t n);
     bool Flush();
 
     int fd_ = -1;
@@ -127,7 +162,7 @@ private:
     bool hitEnd_ = false;
     bool writeFailed_ = false;
     std::vector<char> buffer_;
-    size_t bufferPos_ = 0;  // next byte to read from buffer_
+    size_t bufferPos_ = 0;  // next byte to read from buffer_, or to write into it
     int64_t fileSize_ = 0;  // of a file opened for reading
     int64_t bufferStart_ = 0;  // file offset of buffer_[0] while reading
 };

@@ -51,19 +51,25 @@ TEST_F(BinaryFileFixture, WritesLittleEndianNumbersAndCountedSingleByteStrings) 
 }
 
 TEST_F(BinaryFileFixture, StringsOfEveryShortLengthReadBackUnitForUnit) {
-    // Texts are widened a few units at a time, the last ones again as part of a step
-    // that overlaps the one before; bytes above 127 must not come back sign-extended.
-    std::vector<std::u16string> texts;
+    // Texts are narrowed and widened a few units at a time, the last ones again as part
+    // of a step that overlaps the one before; bytes above 127 must not come back
+    // sign-extended, and a unit of 256 or more is '?' whatever its low byte.
+    std::vector<std::u16string> texts, expected;
     for (size_t n = 0; n <= 24; ++n) {
-        std::u16string text;
-        for (size_t i = 0; i < n; ++i) text.push_back(static_cast<char16_t>(i % 2 ? 0xA0 + i : u'a' + i));
+        std::u16string text, back;
+        for (size_t i = 0; i < n; ++i) {
+            const char16_t unit = static_cast<char16_t>(i % 3 == 0 ? u'a' + i : i % 3 == 1 ? 0xA0 + i : 0x100 * i + u'A');
+            text.push_back(unit);
+            back.push_back(unit < 256 ? unit : u'?');
+        }
         texts.push_back(text);
+        expected.push_back(back);
     }
     ASSERT_TRUE(file.OpenFile(Name(), true));
     for (const std::u16string& text : texts) file.SaveString(text);
     ASSERT_TRUE(file.CloseFile());
     ASSERT_TRUE(file.OpenFile(Name(), false));
-    for (const std::u16string& text : texts) EXPECT_EQ(file.LoadString(), text) << text.size() << " units";
+    for (const std::u16string& text : expected) EXPECT_EQ(file.LoadString(), text) << text.size() << " units";
 }
 
 TEST_F(BinaryFileFixture, EmptyNegativeOverlongAndCutShortStringsConsumeOnlyTheLength) {
