@@ -16,47 +16,58 @@ constexpr std::string_view kModule = "clsQuillbox.cls";
 
 void RecordedScan::Scan() {
     ErrorDiversion keep([this](const ErrorReport& r) {
-        calls_.push_back(Call{Kind::Report, 0, r.number, {}, {}, std::string(r.module), std::string(r.title),
-                              std::string(r.message)});
+        calls_.push_back(Call{Kind::Report, 0, r.number, reports_.size()});
+        reports_.push_back(Report{std::string(r.module), std::string(r.title), std::string(r.message)});
     });
     clsQuillbox scanner;
     scanner.ParseFile(*this, language_);
 }
 
+void RecordedScan::Add(Kind kind, int16_t scope, int32_t line, const std::u16string& name, const std::u16string& text) {
+    calls_.push_back(Call{kind, scope, line, texts_.size(), name.size(), texts_.size() + name.size(), text.size()});
+    texts_.append(name).append(text);
+}
+
 void RecordedScan::WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
                                   const std::u16string& params) {
-    calls_.push_back(Call{Kind::Declare, scope, line, fullName, params, {}, {}, {}});
+    Add(Kind::Declare, scope, line, fullName, params);
 }
 
 void RecordedScan::WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,
                                    const std::u16string& typeText) {
-    calls_.push_back(Call{Kind::Variable, scope, line, fullName, typeText, {}, {}, {}});
+    Add(Kind::Variable, scope, line, fullName, typeText);
 }
 
 void RecordedScan::WriteEndClass__(const std::u16string& className, int32_t endLine) {
-    calls_.push_back(Call{Kind::EndClass, 0, endLine, className, {}, {}, {}, {}});
+    Add(Kind::EndClass, 0, endLine, className);
 }
 
-void RecordedScan::WriteInclude__(const std::u16string& fileName, int32_t line) {
-    calls_.push_back(Call{Kind::Include, 0, line, fileName, {}, {}, {}, {}});
-}
+void RecordedScan::WriteInclude__(const std::u16string& fileName, int32_t line) { Add(Kind::Include, 0, line, fileName); }
 
 void RecordedScan::Replay(ScanOutput& to) const {
     const bool basic = language_ == LANGUAGE_BASIC;
     const std::string_view declarationTitle = basic ? BasicAnalysis::kDeclarationTitle : CAnalysis::kDeclarationTitle;
     const std::string_view variableTitle = basic ? BasicAnalysis::kVariableTitle : CAnalysis::kVariableTitle;
+    // The texts are handed on in two strings whose room every call reuses.
+    std::u16string name, text;
+    auto nameOf = [&](const Call& c) -> const std::u16string& { return name.assign(texts_, c.nameAt, c.nameLength); };
+    auto textOf = [&](const Call& c) -> const std::u16string& { return text.assign(texts_, c.textAt, c.textLength); };
     Trap(kModule, "Sub SecondPass", [&] {
         for (const Call& c : calls_) {
             switch (c.kind) {
             case Kind::Declare:
-                Trap(kModule, declarationTitle, [&] { to.WriteDeclare__(c.name, c.line, c.scope, c.text); });
+                Trap(kModule, declarationTitle, [&] { to.WriteDeclare__(nameOf(c), c.line, c.scope, textOf(c)); });
                 break;
             case Kind::Variable:
-                Trap(kModule, variableTitle, [&] { to.WriteVariable__(c.name, c.line, c.scope, c.text); });
+                Trap(kModule, variableTitle, [&] { to.WriteVariable__(nameOf(c), c.line, c.scope, textOf(c)); });
                 break;
-            case Kind::EndClass: to.WriteEndClass__(c.name, c.line); break;
-            case Kind::Include: to.WriteInclude__(c.name, c.line); break;
-            case Kind::Report: ReportError(c.module, c.title, c.line, c.message); break;
+            case Kind::EndClass: to.WriteEndClass__(nameOf(c), c.line); break;
+            case Kind::Include: to.WriteInclude__(nameOf(c), c.line); break;
+            case Kind::Report: {
+                const Report& r = reports_[c.nameAt];
+                ReportError(r.module, r.title, c.line, r.message);
+                break;
+            }
             }
         }
     });
