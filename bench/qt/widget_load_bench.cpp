@@ -13,6 +13,7 @@
 #include <QTreeWidget>
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 #include <vector>
 
@@ -25,28 +26,48 @@ using kestrel::qt::TreeViewWidget;
 
 namespace {
 
+// A step's time on the clock, and the processor time this thread spent in it.
+struct StepTime {
+    double wall = 0, processor = 0;
+};
+
+double ThreadProcessorMs() {
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
+}
+
 // The longest time the event loop went without getting back to a 1 ms heartbeat: the
 // longest step of work (ours, the control's timer, painting) between two of its turns.
+// On a virtual machine whose host takes the processor away now and then, such a gap
+// also holds the time the process was not running at all, so the processor time
+// spent in the longest one is kept beside it.
 class StepMeter {
 public:
     StepMeter() {
         heartbeat_.setTimerType(Qt::PreciseTimer);
         heartbeat_.setInterval(1);
         QObject::connect(&heartbeat_, &QTimer::timeout, [this] {
-            if (clock_.isValid()) longest_ = std::max(longest_, clock_.nsecsElapsed() / 1e6);
+            const double processor = ThreadProcessorMs();
+            if (clock_.isValid()) {
+                const StepTime step{clock_.nsecsElapsed() / 1e6, processor - processorAt_};
+                if (step.wall > longest_.wall) longest_ = step;
+            }
             clock_.start();
+            processorAt_ = processor;
         });
         heartbeat_.start();
     }
-    double TakeLongest() {
+    StepTime TakeLongest() {
         clock_.invalidate();
-        return std::exchange(longest_, 0.0);
+        return std::exchange(longest_, StepTime{});
     }
 
 private:
     QTimer heartbeat_;
     QElapsedTimer clock_;
-    double longest_ = 0;
+    double processorAt_ = 0;
+    StepTime longest_;
 };
 
 double Milliseconds(const std::function<void()>& work) {
@@ -137,10 +158,10 @@ int main(int argc, char** argv) {
     }
 
     StepMeter meter;
-    double longestOverall = 0;
-    const auto report = [&](const char* what, double ms) {
-        longestOverall = std::max(longestOverall, ms);
-        std::printf("%-52s %8.1f ms\n", what, ms);
+    StepTime longestOverall;
+    const auto report = [&](const char* what, StepTime step) {
+        if (step.wall > longestOverall.wall) longestOverall = step;
+        std::printf("%-52s %8.1f ms (processor %.1f ms)\n", what, step.wall, step.processor);
     };
 
     {
@@ -190,6 +211,7 @@ int main(int argc, char** argv) {
         report("timer ticks of the timed loader over 3 s, longest", meter.TakeLongest());
     }
 
-    std::printf("%-52s %8.1f ms (target <= 100 ms)\n", "longest single event-loop step", longestOverall);
-    return longestOverall <= 100 ? 0 : 1;
+    std::printf("%-52s %8.1f ms (processor %.1f ms; target <= 100 ms)\n", "longest single event-loop step",
+                longestOverall.wall, longestOverall.processor);
+    return longestOverall.wall <= 100 ? 0 : 1;
 }
