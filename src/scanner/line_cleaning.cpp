@@ -17,40 +17,35 @@ namespace {
 
 constexpr std::string_view kModule = "clsQuillbox.cls";
 
-// One comment-removal run over a line whose comment flag is clear. Each marker is
-// searched for once; after a block comment is cut out only the few characters around
-// the cut can form a new marker. Returns true when the line ends inside an open
-// multi-line comment.
+// One comment-removal run over a line whose comment flag is clear. Whichever marker
+// comes first decides (the one-line marker where both start at one place): it ends the
+// line, or a block opener cuts out the comment it opens. After a cut only the few
+// characters around it can form a new marker, so the search goes on from there, and
+// the line is read once. Returns true when the line ends inside an open multi-line
+// comment.
 bool StripComments(SpliceText& text, const SyntaxTable& syntax) {
     const std::u16string& mcs = syntax.MultiCommentStart;
     const std::u16string& mce = syntax.MultiCommentEnd;
     const std::u16string& olc = syntax.OneLineComment;
     constexpr size_t npos = SpliceText::npos;
+    const size_t longer = std::max(mcs.size(), olc.size());
 
-    size_t fromMcs = 0;
-    size_t o = olc.empty() ? npos : text.Find(olc, 0);  // the first one-line marker
-    for (;;) {
-        size_t s = mcs.empty() ? npos : text.Find(mcs, fromMcs);
-        if (s == npos || (o != npos && o <= s)) {
-            if (o != npos) text.Truncate(o);
+    for (size_t from = 0;;) {
+        const EarlierFound marker = text.FindEarlier(olc, mcs, from);
+        if (marker.at == npos) return false;
+        const size_t s = marker.at;
+        if (!marker.second) {
+            text.Truncate(s);
             return false;
         }
-        size_t e = text.Find(mce, s + 1);
+        // Searched from one unit after the opener: "/*/" opens and closes at once.
+        const size_t e = text.Find(mce, s + 1);
         if (e == npos) {
             text.Truncate(s);
             return true;
         }
-        size_t end = e + mce.size();
-        text.Erase(s, end);
-        fromMcs = SpliceText::JunctionStart(s, mcs.size());
-        if (olc.empty()) continue;
-        size_t fromOlc = SpliceText::JunctionStart(s, olc.size());
-        if (o != npos && o < end) {
-            o = text.Find(olc, fromOlc);  // the marker lay inside the comment
-        } else {
-            size_t formed = text.Find(olc, fromOlc, s);
-            o = formed != npos ? formed : (o == npos ? npos : o - (end - s));
-        }
+        text.Erase(s, e + mce.size());
+        from = SpliceText::JunctionStart(s, longer);
     }
 }
 

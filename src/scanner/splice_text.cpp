@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "scanner/text_search.h"
-
 namespace kestrel {
 
 bool SpliceText::MatchesAt(size_t i, std::u16string_view pattern) const {
@@ -14,19 +12,16 @@ bool SpliceText::MatchesAt(size_t i, std::u16string_view pattern) const {
     return true;
 }
 
-size_t SpliceText::Find(std::u16string_view pattern, size_t from, size_t before) const {
-    before = std::min(before, Size() + 1);
-    if (from >= before) return npos;
-    for (size_t i = from; i < std::min(kept_, before); ++i) {
-        if (MatchesAt(i, pattern)) return i;
+EarlierFound SpliceText::FindEarlier(std::u16string_view first, std::u16string_view second, size_t from) const {
+    for (size_t i = from; i < kept_; ++i) {
+        if (!first.empty() && MatchesAt(i, first)) return {i, false};
+        if (!second.empty() && MatchesAt(i, second)) return {i, true};
     }
-    if (before <= kept_) return npos;
-    // The unread rest, cut where an occurrence would start too late.
-    size_t start = rest_ + (std::max(from, kept_) - kept_);
-    size_t stop = std::min(buf_.size(), rest_ + (before - kept_) - 1 + pattern.size());
-    if (start > stop) return npos;
-    size_t at = FindText(std::u16string_view(buf_).substr(start, stop - start), pattern);
-    return at == npos ? npos : start + at - rest_ + kept_;
+    const size_t start = rest_ + (std::max(from, kept_) - kept_);
+    if (start > buf_.size()) return {npos, false};
+    EarlierFound found = FindEarlierOf(std::u16string_view(buf_).substr(start), first, second);
+    if (found.at != npos) found.at += start - rest_ + kept_;
+    return found;
 }
 
 void SpliceText::Erase(size_t begin, size_t end) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "scanner/text_search.h"
+
 namespace kestrel {
 
 class SpliceText {
@@ -18,10 +20,13 @@ public:
 
     size_t Size() const { return kept_ + buf_.size() - rest_; }
 
-    // First occurrence of `pattern` that starts in [from, before) of the current text.
+    // Where the earlier of two patterns first starts at or after `from` in the current
+    // text, and which (`first` when both start there); an empty pattern is never found.
     // Kept characters are compared one by one, so callers pass a `from` close to the
     // last cut (see JunctionStart).
-    size_t Find(std::u16string_view pattern, size_t from, size_t before = npos) const;
+    EarlierFound FindEarlier(std::u16string_view first, std::u16string_view second, size_t from) const;
+    // First occurrence of a pattern that is not empty.
+    size_t Find(std::u16string_view pattern, size_t from) const { return FindEarlier(pattern, {}, from).at; }
 
     // Removes [begin, end) of the current text.
     void Erase(size_t begin, size_t end);

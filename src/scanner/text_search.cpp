@@ -1,5 +1,6 @@
 #include "scanner/text_search.h"
 
+#include <optional>
 #include <vector>
 
 #include "common/text.h"
@@ -115,6 +116,51 @@ size_t FindUnit(std::u16string_view hay, char16_t unit, size_t from) {
     for (; i < size; ++i)
         if (h[i] == unit) return i;
     return npos;
+}
+
+EarlierFound FindEarlierOf(std::u16string_view hay, std::u16string_view first, std::u16string_view second,
+                           size_t from) {
+    if (first.empty() || second.empty()) {
+        const bool onlySecond = first.empty();
+        const std::u16string_view sought = onlySecond ? second : first;
+        return {sought.empty() ? npos : FindText(hay, sought, from), onlySecond};
+    }
+    // Candidates are the places holding the first unit of either; each is then compared,
+    // so the line is read once however far apart the two occur.
+    auto startsAt = [&](size_t at, std::u16string_view needle) {
+        return needle.size() <= hay.size() - at && SameText(hay.substr(at, needle.size()), needle);
+    };
+    auto foundAt = [&](size_t at) -> std::optional<EarlierFound> {
+        if (startsAt(at, first)) return EarlierFound{at, false};
+        if (startsAt(at, second)) return EarlierFound{at, true};
+        return std::nullopt;
+    };
+    const char16_t* h = hay.data();
+    const size_t size = hay.size();
+    size_t i = from;
+#if defined(__SSE2__)
+    if (size >= 8) {
+        const __m128i a = _mm_set1_epi16(static_cast<short>(first[0]));
+        const __m128i b = _mm_set1_epi16(static_cast<short>(second[0]));
+        // The final block overlaps the one before it; the places already tried are masked off.
+        for (unsigned skip = 0; i < size; i += 8) {
+            if (i + 8 > size) {
+                skip = static_cast<unsigned>(i - (size - 8));
+                i = size - 8;
+            }
+            const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i));
+            const __m128i either = _mm_or_si128(_mm_cmpeq_epi16(units, a), _mm_cmpeq_epi16(units, b));
+            const unsigned places = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(either, _mm_setzero_si128())));
+            for (unsigned mask = places & ~((1u << skip) - 1); mask != 0; mask &= mask - 1)
+                if (auto found = foundAt(i + static_cast<size_t>(__builtin_ctz(mask)))) return *found;
+        }
+        return {npos, false};
+    }
+#endif
+    for (; i < size; ++i)
+        if (h[i] == first[0] || h[i] == second[0])
+            if (auto found = foundAt(i)) return *found;
+    return {npos, false};
 }
 
 size_t FindText(std::u16string_view hay, std::u16string_view needle, size_t from) {

@@ -11,6 +11,14 @@ namespace kestrel {
 // First occurrence of needle in hay at or after index `from`; npos when absent. An
 // empty needle is found at `from` when `from` lies within the text.
 size_t FindText(std::u16string_view hay, std::u16string_view needle, size_t from = 0);
+// Where the earlier of two texts first occurs at or after `from`, and whether that is
+// `second` (`first` when both start there). An empty text is never found.
+struct EarlierFound {
+    size_t at;  // npos when neither occurs
+    bool second;
+};
+EarlierFound FindEarlierOf(std::u16string_view hay, std::u16string_view first, std::u16string_view second,
+                           size_t from = 0);
 // First occurrence of one code unit at or after `from`; npos when absent.
 size_t FindUnit(std::u16string_view hay, char16_t unit, size_t from = 0);
 // Last occurrence of one code unit; npos when absent.

@@ -124,3 +124,69 @@ TEST(RemoveComments, CutsOneLineAndBlockCommentsInOrderAcrossLines) {
     // Basic has only one-line comments.
     EXPECT_EQ(WithoutComments({u"x = 1 ' note", u"/* y */ z"}, LANGUAGE_BASIC), (Lines{u"x = 1 ", u"/* y */ z"}));
 }
+
+namespace {
+
+// Comment removal as plainly as it can be put: whole-line searches, the line rebuilt
+// after every cut, the sweep repeated while a block comment was cut out.
+Lines WithoutCommentsPlainly(Lines lines) {
+    const std::u16string olc = u"//", mcs = u"/*", mce = u"*/";
+    bool inComment = false;
+    for (std::u16string& L : lines) {
+        if (L.empty()) continue;
+        if (inComment) {
+            const size_t e = L.find(mce);
+            L = e == std::u16string::npos ? u"" : L.substr(e + mce.size());
+            inComment = e == std::u16string::npos;
+        }
+        for (bool changed = true; changed && !inComment;) {
+            changed = false;
+            const size_t s = L.find(mcs), o = L.find(olc);
+            if (s != std::u16string::npos && (o == std::u16string::npos || s < o)) {
+                const size_t e = L.find(mce, s + 1);
+                inComment = e == std::u16string::npos;
+                L = L.substr(0, s) + (inComment ? u"" : L.substr(e + mce.size()));
+                changed = !inComment;
+            } else if (o != std::u16string::npos) {
+                L.resize(o);
+            }
+        }
+    }
+    return lines;
+}
+
+}  // namespace
+
+// Every line of up to nine units made of the markers' units and one other, alone and
+// inside an open comment, then long random ones: comments cut out so that the rest
+// joins into a new marker ("/" "/*c*/" "/" makes "//") are where a search that goes on
+// from the cut could go wrong.
+TEST(RemoveComments, AgreesWithRebuildingTheLineAfterEveryCut) {
+    const std::u16string units = u"/*x";
+    auto check = [](const Lines& lines) {
+        EXPECT_EQ(WithoutComments(lines), WithoutCommentsPlainly(lines)) << std::string(lines.back().begin(), lines.back().end());
+    };
+    std::u16string line;
+    std::vector<size_t> digits;
+    for (size_t length = 1; length <= 9; ++length) {
+        digits.assign(length, 0);
+        for (;;) {
+            line.clear();
+            for (size_t d : digits) line.push_back(units[d]);
+            check({line});
+            check({u"/*", line, u"a//b"});
+            size_t k = 0;
+            while (k < length && ++digits[k] == units.size()) digits[k++] = 0;
+            if (k == length) break;
+        }
+    }
+    std::mt19937 random(7);
+    for (int n = 0; n < 3000; ++n) {
+        Lines lines(3);
+        for (std::u16string& l : lines) {
+            l.resize(random() % 48);
+            for (char16_t& c : l) c = u"/*xy "[random() % 5];
+        }
+        check(lines);
+    }
+}
