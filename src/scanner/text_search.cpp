@@ -1,6 +1,5 @@
 #include "scanner/text_search.h"
 
-#include <optional>
 #include <vector>
 
 #include "common/text.h"
@@ -90,32 +89,46 @@ size_t ShortSearch(std::u16string_view hay, std::u16string_view needle, size_t f
     return npos;
 }
 
-}  // namespace
-
-size_t FindUnit(std::u16string_view hay, char16_t unit, size_t from) {
+// The first place at or after `from` holding unit `a` (or, with `kEither`, `b`) that
+// `take` accepts, or npos. Places are found eight at a time and handed to `take` in
+// order. A single unit is searched for in every line, so it pays for no second compare.
+template <bool kEither, class Take>
+size_t FirstPlaceOf(std::u16string_view hay, char16_t a, char16_t b, size_t from, Take take) {
     const char16_t* h = hay.data();
     const size_t size = hay.size();
     size_t i = from;
 #if defined(__SSE2__)
     if (size >= 8) {
-        const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
-        // The final block overlaps the one before it; the places already tried are masked off.
+        const __m128i wantedA = _mm_set1_epi16(static_cast<short>(a));
+        const __m128i wantedB = _mm_set1_epi16(static_cast<short>(b));
+        // The final block overlaps the one before it; the places already tried are masked
+        // off. Each unit is two bits of the mask.
         for (unsigned skip = 0; i < size; i += 8) {
             if (i + 8 > size) {
                 skip = static_cast<unsigned>(i - (size - 8)) * 2;
                 i = size - 8;
             }
-            const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i));
-            unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(a, wanted)));
-            mask &= ~((1u << skip) - 1);
-            if (mask != 0) return i + static_cast<size_t>(__builtin_ctz(mask)) / 2;
+            const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i));
+            __m128i either = _mm_cmpeq_epi16(units, wantedA);
+            if constexpr (kEither) either = _mm_or_si128(either, _mm_cmpeq_epi16(units, wantedB));
+            for (unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(either)) & ~((1u << skip) - 1); mask != 0;
+                 mask &= mask - 1, mask &= mask - 1) {
+                const size_t at = i + static_cast<size_t>(__builtin_ctz(mask)) / 2;
+                if (take(at)) return at;
+            }
         }
         return npos;
     }
 #endif
     for (; i < size; ++i)
-        if (h[i] == unit) return i;
+        if ((h[i] == a || (kEither && h[i] == b)) && take(i)) return i;
     return npos;
+}
+
+}  // namespace
+
+size_t FindUnit(std::u16string_view hay, char16_t unit, size_t from) {
+    return FirstPlaceOf<false>(hay, unit, unit, from, [](size_t) { return true; });
 }
 
 EarlierFound FindEarlierOf(std::u16string_view hay, std::u16string_view first, std::u16string_view second,
@@ -130,37 +143,13 @@ EarlierFound FindEarlierOf(std::u16string_view hay, std::u16string_view first, s
     auto startsAt = [&](size_t at, std::u16string_view needle) {
         return needle.size() <= hay.size() - at && SameText(hay.substr(at, needle.size()), needle);
     };
-    auto foundAt = [&](size_t at) -> std::optional<EarlierFound> {
-        if (startsAt(at, first)) return EarlierFound{at, false};
-        if (startsAt(at, second)) return EarlierFound{at, true};
-        return std::nullopt;
-    };
-    const char16_t* h = hay.data();
-    const size_t size = hay.size();
-    size_t i = from;
-#if defined(__SSE2__)
-    if (size >= 8) {
-        const __m128i a = _mm_set1_epi16(static_cast<short>(first[0]));
-        const __m128i b = _mm_set1_epi16(static_cast<short>(second[0]));
-        // The final block overlaps the one before it; the places already tried are masked off.
-        for (unsigned skip = 0; i < size; i += 8) {
-            if (i + 8 > size) {
-                skip = static_cast<unsigned>(i - (size - 8));
-                i = size - 8;
-            }
-            const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i));
-            const __m128i either = _mm_or_si128(_mm_cmpeq_epi16(units, a), _mm_cmpeq_epi16(units, b));
-            const unsigned places = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(either, _mm_setzero_si128())));
-            for (unsigned mask = places & ~((1u << skip) - 1); mask != 0; mask &= mask - 1)
-                if (auto found = foundAt(i + static_cast<size_t>(__builtin_ctz(mask)))) return *found;
-        }
-        return {npos, false};
-    }
-#endif
-    for (; i < size; ++i)
-        if (h[i] == first[0] || h[i] == second[0])
-            if (auto found = foundAt(i)) return *found;
-    return {npos, false};
+    bool isSecond = false;
+    const size_t at = FirstPlaceOf<true>(hay, first[0], second[0], from, [&](size_t place) {
+        if (startsAt(place, first)) return true;
+        isSecond = startsAt(place, second);
+        return isSecond;
+    });
+    return {at, isSecond};
 }
 
 size_t FindText(std::u16string_view hay, std::u16string_view needle, size_t from) {

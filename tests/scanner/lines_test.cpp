@@ -158,9 +158,10 @@ Lines WithoutCommentsPlainly(Lines lines) {
 }  // namespace
 
 // Every line of up to nine units made of the markers' units and one other, alone and
-// inside an open comment, then long random ones: comments cut out so that the rest
-// joins into a new marker ("/" "/*c*/" "/" makes "//") are where a search that goes on
-// from the cut could go wrong.
+// inside an open comment, then random ones long enough to span several blocks of the
+// vector search: the pass searches on from each cut instead of from the line's start,
+// and its order of markers, its one-unit step before the closing search and its
+// carried comment flag must come out as the plain version's.
 TEST(RemoveComments, AgreesWithRebuildingTheLineAfterEveryCut) {
     const std::u16string units = u"/*x";
     auto check = [](const Lines& lines) {
