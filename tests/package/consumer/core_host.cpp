@@ -3,12 +3,11 @@
 #include <cstdio>
 #include <string>
 
+#include "common/text.h"
 #include "control/memory/memory_platform.h"
 #include "control/tree_view.h"
 
 namespace {
-
-std::u16string Widen(const char* text) { return std::u16string(text, text + std::char_traits<char>::length(text)); }
 
 bool Fail(const char* what) {
     std::fprintf(stderr, "core_host: %s\n", what);
@@ -38,5 +37,5 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: core_host PROJECT HEADER\n");
         return 2;
     }
-    return Run(Widen(argv[1]), Widen(argv[2])) ? 0 : 1;
+    return Run(kestrel::FromUtf8(argv[1]), kestrel::FromUtf8(argv[2])) ? 0 : 1;
 }
