@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "huge_heap.h"
 
 namespace {
 
@@ -47,6 +48,7 @@ int main(int argc, char** argv) {
         Usage(std::cerr);
         return 2;
     }
+    kestrel::cli::ReserveHugePageHeap();
     const char* name = argv[1];
     if (std::strcmp(name, "--help") == 0 || std::strcmp(name, "-h") == 0) {
         Usage(std::cout);
