@@ -1,13 +1,7 @@
 #include "model/key_hash.h"
 
-#include <array>
-
+#include "common/byte_shuffles.h"
 #include "common/text.h"
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#define KESTREL_BYTE_SHUFFLES 1
-#endif
 
 namespace kestrel {
 
@@ -26,30 +20,6 @@ size_t PackKeyUnitsOneByOne(const char16_t* text, size_t n, char16_t* to) {
 #ifdef KESTREL_BYTE_SHUFFLES
 
 namespace {
-
-// For each set of spaces among eight units (bit i: unit i is one), the byte shuffle
-// that moves the other units, in order, to the front, and how many they are. (A count
-// from a table: without the popcnt instruction, std::popcount is a library call.)
-struct KeepShuffles {
-    std::array<std::array<uint8_t, 16>, 256> shuffle{};
-    std::array<uint8_t, 256> kept{};
-};
-constexpr KeepShuffles kKeepShuffles = [] {
-    KeepShuffles table;
-    for (unsigned spaces = 0; spaces < 256; ++spaces) {
-        std::array<uint8_t, 16>& to = table.shuffle[spaces];
-        to.fill(0x80);  // zero
-        unsigned kept = 0;
-        for (unsigned unit = 0; unit < 8; ++unit) {
-            if (spaces >> unit & 1) continue;
-            to[2 * kept] = static_cast<uint8_t>(2 * unit);
-            to[2 * kept + 1] = static_cast<uint8_t>(2 * unit + 1);
-            ++kept;
-        }
-        table.kept[spaces] = static_cast<uint8_t>(kept);
-    }
-    return table;
-}();
 
 // Eight units at a time: ASCII upper-cased by comparisons, the spaces squeezed out by
 // one byte shuffle. A group with a unit beyond ASCII goes one unit at a time.
@@ -71,13 +41,6 @@ __attribute__((target("ssse3"))) size_t PackWithShuffles(const char16_t* text, s
     }
     return packed + PackKeyUnitsOneByOne(text + i, n - i, to + packed);
 }
-
-// Until this is set (a key hashed while another file sets up its statics) keys are
-// packed one unit at a time: the same units, only slower.
-const bool kHasByteShuffles = [] {
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("ssse3") != 0;
-}();
 
 }  // namespace
 

@@ -13,16 +13,16 @@ namespace kestrel {
 // Tabs become spaces, runs of spaces become one space, leading spaces go.
 // A trailing space survives. Changes `line` in place and returns it.
 std::u16string& CleanLine(std::u16string& line);
-// As CleanLine, recording in `present` every code unit the cleaned line holds.
+// As CleanLine, then recording in `present` the tracked units the cleaned line holds.
 std::u16string& CleanLine(std::u16string& line, UnitSet& present);
-// How many bytes after a line CleanAsciiLine may read, and ignores.
+// How many bytes after a line CleanAsciiLine and the loader may read, and ignore.
 inline constexpr size_t kAsciiLinePadding = 16;
-// As CleanLine with `present`, on a line of ASCII bytes, each one unit: decoding and
-// cleaning in one pass. `line`'s old text is replaced. The kAsciiLinePadding bytes
-// after `bytes` must be readable: a line's last bytes are read sixteen at a time.
-// A line whose first bytes after its blanks are `emptyingStart` (a one-line comment
-// that takes the whole line) is left empty instead, uncleaned and unrecorded.
-void CleanAsciiLine(std::string_view bytes, std::u16string& line, UnitSet& present, std::string_view emptyingStart = {});
+// As CleanLine, on a line of ASCII bytes, each one unit: decoding and cleaning in one
+// pass. `line`'s old text is replaced. The kAsciiLinePadding bytes after `bytes` must
+// be readable: a line's last bytes are read sixteen at a time. A line whose first bytes
+// after its blanks are `emptyingStart` (a one-line comment that takes the whole line)
+// comes out empty.
+void CleanAsciiLine(std::string_view bytes, std::u16string& line, std::string_view emptyingStart = {});
 
 // Removes one-line and multi-line comments from one line after another, carrying an
 // open multi-line comment from each line to the next. Knows nothing of string

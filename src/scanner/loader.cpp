@@ -8,10 +8,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 #include "common/text.h"
 #include "errorlog/errorlog.h"
 #include "scanner/line_cleaning.h"
@@ -128,64 +124,114 @@ bool clsLoader::SkipLineWithout(std::string_view bytes) {
     if (bytes.empty() || !open_ || EndOfFile || pos_ >= size_ || encoding_ != Encoding::Utf8) return false;
     const size_t start = pos_;
     bool ascii = false;
-    if (NextUtf8Line(ascii).find(bytes) == std::string_view::npos) return true;
+    UnitSet units;
+    if (NextUtf8Line(ascii, units).find(bytes) == std::string_view::npos) return true;
     pos_ = start;
     return false;
 }
 
 void clsLoader::Read(std::u16string& line, UnitSet* present, std::string_view emptyingStart) {
     bool cleaned = false;
-    line.clear();
+    bool unitsKnown = false;  // from the line's bytes, as they were looked at
     if (!open_ || EndOfFile || pos_ >= size_) {
+        line.clear();
         EndOfFile = true;
     } else {
         Trap(kModule, "Function ReadLine", [&] {
-            if (encoding_ != Encoding::Utf8) return ReadUtf16Line(line);
+            if (encoding_ != Encoding::Utf8) {
+                line.clear();
+                return ReadUtf16Line(line);
+            }
             bool ascii = false;
-            const std::string_view bytes = NextUtf8Line(ascii);
+            UnitSet units;
+            const std::string_view bytes = NextUtf8Line(ascii, units);
+            if (present) {
+                *present = units;
+                unitsKnown = true;
+            }
             if (ascii && present) {
-                CleanAsciiLine(bytes, line, *present, emptyingStart);
+                CleanAsciiLine(bytes, line, emptyingStart);
                 cleaned = true;
             } else {
+                line.clear();
                 AppendUtf8(line, bytes);
             }
         });
     }
-    if (present && !cleaned) CleanLine(line, *present);
+    if (!present) return;
+    if (!cleaned) CleanLine(line);
+    if (!unitsKnown) *present = UnitSet::Of(line);
+    if (line.empty()) *present = UnitSet();  // a line emptied as it was read holds nothing
 }
 
-std::string_view clsLoader::NextUtf8Line(bool& ascii) {
+namespace {
+
+// Where a line of UTF-8 bytes ends (its first CR or LF, or `left`), whether a byte
+// before that has its high bit set, and which tracked units those bytes hold.
+struct LineBytes {
+    size_t end = 0;
+    bool high = false;
+    UnitSet units;
+};
+
+LineBytes LookAtLineOneByOne(const unsigned char* start, size_t left) {
+    LineBytes line;
+    unsigned high = 0;
+    uint32_t bits = 0;
+    for (; line.end < left && start[line.end] != '\n' && start[line.end] != '\r'; ++line.end) {
+        high |= start[line.end];
+        bits |= kTrackedBit[start[line.end]];
+    }
+    line.high = (high & 0x80u) != 0;
+    line.units = UnitSet::FromBits(bits);
+    return line;
+}
+
+#ifdef KESTREL_BYTE_SHUFFLES
+// Sixteen bytes at a time. The file's bytes are followed by kAsciiLinePadding readable
+// bytes, so the last step may read past them; what lies past `left` counts as the end.
+__attribute__((target("ssse3"))) LineBytes LookAtLineWithShuffles(const unsigned char* start, size_t left) {
+    const __m128i lf = _mm_set1_epi8('\n'), cr = _mm_set1_epi8('\r');
+    const __m128i places = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    UnitsOfSixteenBytes seen{};
+    __m128i high = _mm_setzero_si128();
+    for (size_t n = 0;; n += 16) {
+        __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(start + n));
+        unsigned ends = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, lf), _mm_cmpeq_epi8(bytes, cr))));
+        if (left - n < 16) ends |= 0xFFFFu << (left - n);
+        const unsigned k = ends != 0 ? static_cast<unsigned>(__builtin_ctz(ends)) : 16;
+        if (k < 16) bytes = _mm_and_si128(bytes, _mm_cmplt_epi8(places, _mm_set1_epi8(static_cast<char>(k))));
+        AddSorted(seen, SortIntoTrackedUnits(bytes));
+        high = _mm_or_si128(high, bytes);
+        if (k < 16) {
+            LineBytes line;
+            line.end = n + k;
+            line.high = _mm_movemask_epi8(high) != 0;
+            line.units = TrackedUnitsIn(seen);
+            return line;
+        }
+    }
+}
+#endif
+
+}  // namespace
+
+std::string_view clsLoader::NextUtf8Line(bool& ascii, UnitSet& units) {
     // CR and LF bytes never occur inside a multi-byte sequence, so the line can be
-    // cut before it is decoded. One look at each byte finds the end and whether a
-    // byte before it has its high bit set.
+    // cut before it is decoded; nor do the tracked units, so the bytes tell which of
+    // them the decoded line holds. One look at each byte finds all three.
     const unsigned char* start = data_ + pos_;
     const size_t left = size_ - pos_;
-    constexpr size_t kNotFound = std::string_view::npos;
-    size_t end = kNotFound;
-    unsigned high = 0;
-    size_t n = 0;
-#if defined(__SSE2__)
-    const __m128i lf = _mm_set1_epi8('\n'), cr = _mm_set1_epi8('\r');
-    for (; n + 16 <= left; n += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(start + n));
-        const auto ends = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, lf), _mm_cmpeq_epi8(bytes, cr))));
-        const auto highs = static_cast<unsigned>(_mm_movemask_epi8(bytes));
-        if (ends != 0) {
-            const unsigned k = static_cast<unsigned>(__builtin_ctz(ends));
-            high |= highs & ((1u << k) - 1);
-            end = n + k;
-            break;
-        }
-        high |= highs;
-    }
+#ifdef KESTREL_BYTE_SHUFFLES
+    const LineBytes line = kHasByteShuffles ? LookAtLineWithShuffles(start, left) : LookAtLineOneByOne(start, left);
+#else
+    const LineBytes line = LookAtLineOneByOne(start, left);
 #endif
-    if (end == kNotFound) {
-        for (end = n; end < left && start[end] != '\n' && start[end] != '\r'; ++end) high |= start[end] & 0x80u;
-    }
-    ascii = high == 0;
-    pos_ += end;
+    ascii = !line.high;
+    units = line.units;
+    pos_ += line.end;
     if (pos_ < size_) pos_ += (data_[pos_] == '\r' && pos_ + 1 < size_ && data_[pos_ + 1] == '\n') ? 2 : 1;
-    return {reinterpret_cast<const char*>(start), end};
+    return {reinterpret_cast<const char*>(start), line.end};
 }
 
 void clsLoader::ReadUtf16Line(std::u16string& line) {

@@ -38,9 +38,10 @@ public:
     std::u16string ReadLine();
     // As ReadLine, into `line` (its old text replaced, its storage reused).
     void ReadLineInto(std::u16string& line);
-    // As ReadLineInto, the line then cleaned as CleanLine does, recording its units in
-    // `present`. A plain ASCII line is decoded and cleaned in one pass, or left empty
-    // when it starts with `emptyingStart` after its blanks (see CleanAsciiLine).
+    // As ReadLineInto, the line then cleaned as CleanLine does, recording its tracked
+    // units in `present` (none for a line that comes out empty). A plain ASCII line is
+    // decoded and cleaned in one pass, or left empty when it starts with `emptyingStart`
+    // after its blanks (see CleanAsciiLine).
     void ReadCleanLineInto(std::u16string& line, UnitSet& present, std::string_view emptyingStart = {});
     // Passes over the next line unread when the file is UTF-8 and the line's bytes do
     // not hold `bytes` (not empty); true then. Otherwise reads nothing and answers false.
@@ -56,8 +57,9 @@ private:
     // Reads the next line and, given `present`, cleans it and records its units there.
     void Read(std::u16string& line, UnitSet* present, std::string_view emptyingStart);
     // The bytes of the next UTF-8 line, without its line end, which is passed over;
-    // `ascii` tells whether every byte is below 128.
-    std::string_view NextUtf8Line(bool& ascii);
+    // `ascii` tells whether every byte is below 128, `units` which tracked units the
+    // line holds.
+    std::string_view NextUtf8Line(bool& ascii, UnitSet& units);
     void ReadUtf16Line(std::u16string& line);
 
     bool open_ = false;
