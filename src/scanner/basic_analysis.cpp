@@ -25,14 +25,14 @@ void BasicAnalysis::ProcessBasicDeclaration(RWord& wrd) {
         std::u16string_view text = wrd.word;
         if (text.empty()) return;
         // "Function" first, so a line holding both is a function.
-        const std::u16string* keyword = &syntax.ProcWords.StartWord.word;
-        size_t at = text.find(*keyword);
+        std::u16string_view keyword = syntax.ProcWords.StartWord.word;
+        size_t at = text.find(keyword);
         if (at == npos) {
-            keyword = &syntax.ProcWords.EndWord.word;
-            at = text.find(*keyword);
+            keyword = syntax.ProcWords.EndWord.word;
+            at = text.find(keyword);
             if (at == npos) return;
         }
-        std::u16string_view rest = TrimmedView(text.substr(at + keyword->size()));
+        std::u16string_view rest = TrimmedView(text.substr(at + keyword.size()));
         std::u16string_view name = rest.substr(0, UpTo(rest, u" ("));
         output.WriteDeclare__(QualifiedName(wrd.Class, {}, name), wrd.Line, wrd.Scope, params.CollectParams(wrd));
     });
@@ -45,7 +45,7 @@ std::u16string_view BasicAnalysis::GetBasicScope(RWord& wrd) {
         for (const RWord* w : {&syntax.ScopeWords.StartWord, &syntax.ScopeWords.MiddleWord, &syntax.ScopeWords.EndWord}) {
             size_t at = wrd.word.find(w->word);
             if (at != npos) {
-                rest = TrimmedView(std::u16string_view(wrd.word).substr(at + w->word.size()));
+                rest = TrimmedView(wrd.word.substr(at + w->word.size()));
                 wrd.Scope = w->Scope;
                 return;
             }
@@ -61,7 +61,7 @@ void BasicAnalysis::ProcessBasicVariable(RWord& wrd) {
         if (wrd.word.empty() || wrd.Scope != kResultVariable) return;
         std::u16string_view text = GetBasicScope(wrd);
         std::u16string_view name;
-        const std::u16string& dim = syntax.VarWords.StartWord.word;
+        const std::u16string_view dim = syntax.VarWords.StartWord.word;
         size_t at = text.find(dim);
         if (at != npos) {
             // The first word after Dim: only the first variable of a list.

@@ -17,15 +17,6 @@ constexpr std::string_view kModule = "clsQuillbox.cls";
 constexpr std::u16string_view kEndClassText = u"\u00ABEND\u00BFCLASS\u00BB";
 constexpr size_t npos = std::u16string::npos;
 
-void AddResult(ResultList& results, std::u16string_view word, int32_t line, int16_t scope,
-               const std::u16string& className) {
-    RWord& r = results.Add();
-    r.word = word;
-    r.Line = line;
-    r.Class = className;
-    r.Scope = scope;
-}
-
 // Cuts out every piece that opens and closes with `delim` on the line (string and
 // character literals). An unclosed one stays.
 void RemoveLiterals(std::u16string& line, const SoughtText& literal, const UnitSet& present) {
@@ -167,13 +158,13 @@ void LevelScanner::ScanLine(std::u16string& L, int32_t i, const UnitSet& present
 
     if (procWords_.Used() && FindEither(syntax_, L, procWords_.words, word, present) != 0) {
         TakeScope(L);
-        AddResult(results_, L, i, scope_, stack_.Data());
+        results_.Add(L, i, scope_, stack_.Data());
         L.clear();
         inProcedure_ = true;
     }
 
     if (varWords_.Used() && FindEither(syntax_, L, varWords_.words, word, present) != 0 && !inProcedure_) {
-        AddResult(results_, L, i, kResultVariable, stack_.Data());
+        results_.Add(L, i, kResultVariable, stack_.Data());
         L.clear();
     }
 
@@ -209,7 +200,7 @@ void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
         if (p == npos && q == npos) {
             if (AtDeclarationLevel()) {
                 TakeScope(rest);
-                AddResult(results_, rest, i, scope_, stack_.Data());
+                results_.Add(rest, i, scope_, stack_.Data());
             }
             cur = L.size();
             break;
@@ -219,7 +210,7 @@ void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
             if (AtDeclarationLevel() && headLength >= 1) {
                 std::u16string_view head = rest.substr(0, headLength);
                 TakeScope(head);
-                AddResult(results_, head, i, scope_, stack_.Data());
+                results_.Add(head, i, scope_, stack_.Data());
             }
             // extern "C" { (the string already removed): the linkage block counts as a
             // class body so its declarations stay at declaration level. It pushes
@@ -235,7 +226,7 @@ void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
         if (q != npos && (p == npos || q < p)) {
             if (AtDeclarationLevel() &&
                 (nLang_ == LANGUAGE_C || nLang_ == LANGUAGE_JAVA || nLang_ == LANGUAGE_CINCLUDE)) {
-                AddResult(results_, kEndClassText, i, kResultEndClass, stack_.Data());
+                results_.Add(kEndClassText, i, kResultEndClass, stack_.Data());
             }
             --depth_;
             cur = q + close.size();

@@ -16,14 +16,6 @@ bool IsNameBreak(char16_t c) {
     return c == u' ' || c == u'&' || c == u'*';
 }
 
-// Cuts `text` down, in place, to the trimmed piece of it that starts at `from`.
-void KeepTrimmed(std::u16string& text, size_t from) {
-    std::u16string_view kept = TrimmedView(std::u16string_view(text).substr(from));
-    const size_t begin = static_cast<size_t>(kept.data() - text.data());
-    text.erase(begin + kept.size());
-    text.erase(0, begin);
-}
-
 bool IsDestructorOf(std::u16string_view name, std::u16string_view className) {
     return !name.empty() && name[0] == u'~' && SameText(name.substr(1), className);
 }
@@ -93,12 +85,12 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
 
 void CAnalysis::ProcessCVariable(RWord& wrd) {
     Trap(kModule, kVariableTitle, [&] {
-        std::u16string& word = wrd.word;
+        std::u16string_view& word = wrd.word;
         if (word.empty() || word[0] == u'#') return;
 
         size_t semicolon = FindUnit(word, u';');
         if (semicolon != npos) {
-            word.resize(semicolon);
+            word = word.substr(0, semicolon);
         } else {
             // Without a semicolon only an initialiser continued in a block is taken
             // (int a[] = followed by a brace).
@@ -109,10 +101,10 @@ void CAnalysis::ProcessCVariable(RWord& wrd) {
         // Cutting after the first ":" and trimming, again and again, leaves the
         // trimmed text after the last one: access labels and every qualifier go.
         size_t colon = FindLastUnit(word, u':');
-        if (colon != npos) KeepTrimmed(word, colon + 1);
+        if (colon != npos) word = TrimmedView(word.substr(colon + 1));
 
         size_t bracket = FindUnit(word, u'[');
-        if (bracket != npos) word.resize(bracket);
+        if (bracket != npos) word = word.substr(0, bracket);
 
         size_t paren = FindUnit(word, u'(');
         if (paren == npos) {
@@ -123,7 +115,7 @@ void CAnalysis::ProcessCVariable(RWord& wrd) {
         }
 
         size_t eq = FindUnit(word, u'=');
-        std::u16string_view decl = TrimmedView(std::u16string_view(word).substr(0, eq));
+        std::u16string_view decl = TrimmedView(word.substr(0, eq));
 
         size_t k = decl.size();
         while (k > 0) {
@@ -148,7 +140,7 @@ std::u16string_view CollectCVarParams(const RWord& wrd, std::u16string_view name
     std::u16string_view typeText;
     Trap(kModule, "Function CollectCVarParams", [&] {
         size_t at = FindLastText(wrd.word, name);
-        if (at != npos && at >= 2) typeText = TrimmedView(std::u16string_view(wrd.word).substr(0, at));
+        if (at != npos && at >= 2) typeText = TrimmedView(wrd.word.substr(0, at));
     });
     return typeText;
 }

@@ -36,6 +36,7 @@ struct LinePool {
     static constexpr size_t kMaxLines = 1 << 16;
     static constexpr size_t kMaxUnits = 512;
     static constexpr size_t kMaxResults = 1 << 14;
+    static constexpr size_t kMaxResultUnits = size_t{1} << 18;
     std::vector<std::u16string> lines;  // entries whose texts mean nothing any more
     std::vector<UnitSet> units;         // an empty unit-set array with its capacity
     ResultList results;                 // an empty result list with its records
@@ -52,7 +53,7 @@ void clsQuillbox::StartScan(ScanOutput& output, int16_t nLang) {
     ReleaseLines();
     lines_.swap(Pool().lines);
     if (units_.capacity() == 0) units_.swap(Pool().units);
-    if (results_.Slots() == 0) std::swap(results_, Pool().results);
+    if (results_.RecordRoom() == 0) std::swap(results_, Pool().results);
     lineCount_ = 0;
     Entry(0).clear();
     units_.push_back(UnitSet::Anything());
@@ -85,9 +86,9 @@ void clsQuillbox::ReleaseLines() {
 
 clsQuillbox::~clsQuillbox() {
     ReleaseLines();
-    results_.Trim(LinePool::kMaxResults, LinePool::kMaxUnits);
+    results_.Trim(LinePool::kMaxResults, LinePool::kMaxResultUnits);
     ResultList& spare = Pool().results;
-    if (results_.Slots() > spare.Slots()) std::swap(results_, spare);
+    if (results_.RecordRoom() + results_.TextRoom() > spare.RecordRoom() + spare.TextRoom()) std::swap(results_, spare);
 }
 
 void clsQuillbox::StoreLine(std::u16string_view raw) {
@@ -162,10 +163,11 @@ void clsQuillbox::SecondPass(ScanOutput& output, int16_t nLang) {
         const size_t count = results_.size();
         if (nLang == LANGUAGE_C || nLang == LANGUAGE_JAVA) {
             CAnalysis analysis{syntax, params, output};
+            std::u16string text;  // the output takes its texts as strings
             for (size_t k = 0; k < count; ++k) {
                 RWord& r = results_[k];
-                if (r.Scope == kResultEndClass) output.WriteEndClass__(r.Class, r.Line);
-                else if (r.Scope == kResultInclude) output.WriteInclude__(r.word, r.Line);
+                if (r.Scope == kResultEndClass) output.WriteEndClass__(text.assign(r.Class), r.Line);
+                else if (r.Scope == kResultInclude) output.WriteInclude__(text.assign(r.word), r.Line);
                 else if (r.Scope != kResultVariable) analysis.ProcessDeclaration(r);
             }
         } else if (nLang == LANGUAGE_BASIC) {

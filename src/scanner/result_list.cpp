@@ -1,46 +1,52 @@
 #include "scanner/result_list.h"
 
 #include <algorithm>
-#include <string>
+#include <cstring>
+
+#include "common/text.h"
 
 namespace kestrel {
 
-namespace {
-
-void Shorten(std::u16string& s, size_t maxUnits) {
-    if (s.capacity() > maxUnits) std::u16string().swap(s);
-}
-
-}  // namespace
-
-RWord& ResultList::Add() {
-    if (count_ == slots_.size()) slots_.emplace_back();
-    RWord& r = slots_[count_++];
-    used_ = std::max(used_, count_);
-    // Every field starts afresh; only the strings' storage carries over.
-    r.word.clear();
-    r.length = 0;
-    r.Bag = 0;
-    r.szBag.clear();
-    r.Class.clear();
-    r.Line = 0;
-    r.Scope = 0;
+RWord& ResultList::Add(std::u16string_view word, int32_t line, int16_t scope, std::u16string_view className) {
+    if (className.empty()) lastClass_ = {};
+    else if (!SameText(className, lastClass_)) lastClass_ = Keep(className);
+    RWord& r = records_.emplace_back();
+    r.word = Keep(word);
+    r.Line = line;
+    r.Scope = scope;
+    r.Class = lastClass_;
     return r;
 }
 
-void ResultList::Trim(size_t maxSlots, size_t maxUnits) {
-    count_ = 0;
-    if (slots_.size() > maxSlots) {
-        slots_.resize(maxSlots);
-        slots_.shrink_to_fit();
+std::u16string_view ResultList::Keep(std::u16string_view text) {
+    if (text.empty()) return {};
+    char16_t* at;
+    if (text.size() > kBlockUnits) {
+        at = large_.emplace_back(std::make_unique_for_overwrite<char16_t[]>(text.size())).get();
+    } else {
+        if (block_ < blocks_.size() && kBlockUnits - used_ < text.size()) {
+            ++block_;
+            used_ = 0;
+        }
+        if (block_ == blocks_.size()) blocks_.push_back(std::make_unique_for_overwrite<char16_t[]>(kBlockUnits));
+        at = blocks_[block_].get() + used_;
+        used_ += text.size();
     }
-    used_ = std::min(used_, slots_.size());
-    for (size_t k = 0; k < used_; ++k) {
-        Shorten(slots_[k].word, maxUnits);
-        Shorten(slots_[k].szBag, maxUnits);
-        Shorten(slots_[k].Class, maxUnits);
-    }
-    used_ = 0;
+    std::memcpy(at, text.data(), text.size() * sizeof(char16_t));
+    return {at, text.size()};
+}
+
+void ResultList::clear() {
+    records_.clear();
+    block_ = used_ = 0;
+    large_.clear();
+    lastClass_ = {};
+}
+
+void ResultList::Trim(size_t maxRecords, size_t maxUnits) {
+    clear();
+    if (records_.capacity() > maxRecords) std::vector<RWord>().swap(records_);
+    blocks_.resize(std::min(blocks_.size(), maxUnits / kBlockUnits));
 }
 
 }  // namespace kestrel

@@ -1,8 +1,12 @@
 #pragma once
-// The statements one scan finds, in order. Cleared between scans without destroying
-// its records, so that a scanner reused on one thread fills the strings (and their
-// capacity) the previous scan left instead of allocating new ones.
+// The statements one scan finds, in order, with their texts. Cleared between scans
+// without giving back its storage, so that a scanner reused on one thread writes over
+// what the previous scan left instead of allocating anew: the records in one array, the
+// texts one after another in blocks, and a run of results of one class shares one copy
+// of its name.
 #include <cstddef>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 #include "scanner/rword.h"
@@ -11,30 +15,40 @@ namespace kestrel {
 
 class ResultList {
 public:
-    // The next record, with every field back at its default value.
-    RWord& Add();
-    // Forgets the records but keeps their storage.
-    void clear() { count_ = 0; }
+    // Appends a record with these fields (the others at their defaults); the texts are
+    // copied into the list.
+    RWord& Add(std::u16string_view word, int32_t line, int16_t scope, std::u16string_view className);
+    // Forgets the records and their texts but keeps the storage.
+    void clear();
 
-    size_t size() const { return count_; }
-    bool empty() const { return count_ == 0; }
-    RWord& operator[](size_t k) { return slots_[k]; }
-    const RWord& operator[](size_t k) const { return slots_[k]; }
-    RWord* begin() { return slots_.data(); }
-    RWord* end() { return slots_.data() + count_; }
-    const RWord* begin() const { return slots_.data(); }
-    const RWord* end() const { return slots_.data() + count_; }
+    size_t size() const { return records_.size(); }
+    bool empty() const { return records_.empty(); }
+    RWord& operator[](size_t k) { return records_[k]; }
+    const RWord& operator[](size_t k) const { return records_[k]; }
+    RWord* begin() { return records_.data(); }
+    RWord* end() { return records_.data() + records_.size(); }
+    const RWord* begin() const { return records_.data(); }
+    const RWord* end() const { return records_.data() + records_.size(); }
 
-    // The number of records whose storage is kept.
-    size_t Slots() const { return slots_.size(); }
-    // Empties the list and lets go of whatever a huge scan grew: records past
-    // `maxSlots` and strings longer than `maxUnits`.
-    void Trim(size_t maxSlots, size_t maxUnits);
+    // How much storage the list keeps, in records and in units of text.
+    size_t RecordRoom() const { return records_.capacity(); }
+    size_t TextRoom() const { return blocks_.size() * kBlockUnits; }
+    // Empties the list and lets go of whatever a huge scan grew past these bounds.
+    void Trim(size_t maxRecords, size_t maxUnits);
 
 private:
-    std::vector<RWord> slots_;  // slots_[0, count_) are live, the rest wait for reuse
-    size_t count_ = 0;
-    size_t used_ = 0;  // slots filled since the last Trim: the ones that may hold long strings
+    static constexpr size_t kBlockUnits = size_t{1} << 15;
+
+    std::u16string_view Keep(std::u16string_view text);
+
+    std::vector<RWord> records_;
+    // Texts, in blocks of kBlockUnits filled one after another; a text longer than a
+    // block gets storage of its own.
+    std::vector<std::unique_ptr<char16_t[]>> blocks_;
+    size_t block_ = 0;  // the block being filled
+    size_t used_ = 0;   // units used in it
+    std::vector<std::unique_ptr<char16_t[]>> large_;
+    std::u16string_view lastClass_;  // the class name kept last, shared by the next result of that class
 };
 
 }  // namespace kestrel

@@ -1,16 +1,19 @@
 #pragma once
 // The scanner's small records: a keyword of the syntax table, or one result of a scan.
 #include <cstdint>
-#include <string>
+#include <string_view>
 
 namespace kestrel {
 
+// The texts are views: a keyword's into the vocabulary the syntax table is built from,
+// which lives as long as the program; a result's into the storage of its result list,
+// valid until the list is cleared.
 struct RWord {
-    std::u16string word;
+    std::u16string_view word;
     int16_t length = 0;
     int16_t Bag = 0;
-    std::u16string szBag;
-    std::u16string Class;
+    std::u16string_view szBag;
+    std::u16string_view Class;
     int32_t Line = 0;
     int16_t Scope = 0;
 };

@@ -15,10 +15,11 @@ using Calls = std::vector<std::string>;
 
 namespace {
 
-RWord Record(std::u16string word, std::u16string className = u"", int16_t scope = PUBLIC_SCOPE) {
+// The record views its texts, which must outlive it.
+RWord Record(std::u16string_view word, std::u16string_view className = u"", int16_t scope = PUBLIC_SCOPE) {
     RWord r;
-    r.word = std::move(word);
-    r.Class = std::move(className);
+    r.word = word;
+    r.Class = className;
     r.Scope = scope;
     r.Line = 1;
     return r;
@@ -52,11 +53,11 @@ struct Analyse {
 };
 
 Calls C(std::u16string word, std::u16string className = u"") {
-    return Analyse(LANGUAGE_C).C(Record(std::move(word), std::move(className)));
+    return Analyse(LANGUAGE_C).C(Record(word, className));
 }
 
 Calls Basic(std::u16string word, int16_t scope, std::u16string className = u"") {
-    return Analyse(LANGUAGE_BASIC).Basic(Record(std::move(word), std::move(className), scope));
+    return Analyse(LANGUAGE_BASIC).Basic(Record(word, className, scope));
 }
 
 }  // namespace
