@@ -155,13 +155,6 @@ size_t CleanBytes(const unsigned char* bytes, size_t n, char16_t* to) {
     return CleanOneByOne(bytes, n, to, true);
 }
 
-bool StartsWith(std::u16string_view text, std::string_view ascii) {
-    if (text.size() < ascii.size()) return false;
-    for (size_t k = 0; k < ascii.size(); ++k)
-        if (text[k] != static_cast<unsigned char>(ascii[k])) return false;
-    return true;
-}
-
 }  // namespace
 
 std::u16string& CleanLine(std::u16string& line) {
@@ -174,15 +167,12 @@ std::u16string& CleanLine(std::u16string& line, UnitSet& present) {
     return line;
 }
 
-void CleanAsciiLine(std::string_view bytes, std::u16string& line, std::string_view emptyingStart) {
+void CleanAsciiLine(std::string_view bytes, std::u16string& line) {
     // Room for the units written past the end. Only what the line grows by is filled
     // in: its old text is written over.
     const size_t n = bytes.size();
     if (line.size() < n + kAsciiLinePadding) line.resize(n + kAsciiLinePadding);
     line.resize(CleanBytes(reinterpret_cast<const unsigned char*>(bytes.data()), n, line.data()));
-    // Cleaning drops the leading blanks, so a one-line comment that takes the whole line
-    // starts the cleaned line.
-    if (!emptyingStart.empty() && StartsWith(line, emptyingStart)) line.clear();
 }
 
 CommentStripper::CommentStripper(const SyntaxTable& syntax)

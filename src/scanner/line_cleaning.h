@@ -19,10 +19,8 @@ std::u16string& CleanLine(std::u16string& line, UnitSet& present);
 inline constexpr size_t kAsciiLinePadding = 16;
 // As CleanLine, on a line of ASCII bytes, each one unit: decoding and cleaning in one
 // pass. `line`'s old text is replaced. The kAsciiLinePadding bytes after `bytes` must
-// be readable: a line's last bytes are read sixteen at a time. A line whose first bytes
-// after its blanks are `emptyingStart` (a one-line comment that takes the whole line)
-// comes out empty.
-void CleanAsciiLine(std::string_view bytes, std::u16string& line, std::string_view emptyingStart = {});
+// be readable: a line's last bytes are read sixteen at a time.
+void CleanAsciiLine(std::string_view bytes, std::u16string& line);
 
 // Removes one-line and multi-line comments from one line after another, carrying an
 // open multi-line comment from each line to the next. Knows nothing of string

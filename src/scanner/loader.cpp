@@ -123,11 +123,15 @@ void clsLoader::ReadCleanLineInto(std::u16string& line, UnitSet& present, std::s
 bool clsLoader::SkipLineWithout(std::string_view bytes) {
     if (bytes.empty() || !open_ || EndOfFile || pos_ >= size_ || encoding_ != Encoding::Utf8) return false;
     const size_t start = pos_;
-    bool ascii = false;
-    UnitSet units;
-    if (NextUtf8Line(ascii, units).find(bytes) == std::string_view::npos) return true;
+    if (NextUtf8Line().find(bytes) == std::string_view::npos) return true;
     pos_ = start;
     return false;
+}
+
+bool clsLoader::LineStartsAfterBlanks(std::string_view bytes) const {
+    size_t at = pos_;
+    while (at < size_ && (data_[at] == ' ' || data_[at] == '\t')) ++at;
+    return size_ - at >= bytes.size() && std::memcmp(data_ + at, bytes.data(), bytes.size()) == 0;
 }
 
 void clsLoader::Read(std::u16string& line, UnitSet* present, std::string_view emptyingStart) {
@@ -142,15 +146,22 @@ void clsLoader::Read(std::u16string& line, UnitSet* present, std::string_view em
                 line.clear();
                 return ReadUtf16Line(line);
             }
-            bool ascii = false;
-            UnitSet units;
-            const std::string_view bytes = NextUtf8Line(ascii, units);
+            if (present && !emptyingStart.empty() && LineStartsAfterBlanks(emptyingStart)) {
+                // A one-line comment that takes the whole line: passed over unread.
+                NextUtf8Line();
+                line.clear();
+                *present = UnitSet();
+                unitsKnown = cleaned = true;
+                return;
+            }
+            LineLook look;
+            const std::string_view bytes = NextUtf8Line(&look);
             if (present) {
-                *present = units;
+                *present = look.units;
                 unitsKnown = true;
             }
-            if (ascii && present) {
-                CleanAsciiLine(bytes, line, emptyingStart);
+            if (look.ascii && present) {
+                CleanAsciiLine(bytes, line);
                 cleaned = true;
             } else {
                 line.clear();
@@ -166,21 +177,25 @@ void clsLoader::Read(std::u16string& line, UnitSet* present, std::string_view em
 
 namespace {
 
-// Where a line of UTF-8 bytes ends (its first CR or LF, or `left`), whether a byte
-// before that has its high bit set, and which tracked units those bytes hold.
+// Where a line of UTF-8 bytes ends (its first CR or LF, or `left`) and, when asked for
+// (kLook), whether a byte before that has its high bit set and which tracked units
+// those bytes hold.
 struct LineBytes {
     size_t end = 0;
     bool high = false;
     UnitSet units;
 };
 
+template <bool kLook>
 LineBytes LookAtLineOneByOne(const unsigned char* start, size_t left) {
     LineBytes line;
     unsigned high = 0;
     uint32_t bits = 0;
     for (; line.end < left && start[line.end] != '\n' && start[line.end] != '\r'; ++line.end) {
-        high |= start[line.end];
-        bits |= kTrackedBit[start[line.end]];
+        if constexpr (kLook) {
+            high |= start[line.end];
+            bits |= kTrackedBit[start[line.end]];
+        }
     }
     line.high = (high & 0x80u) != 0;
     line.units = UnitSet::FromBits(bits);
@@ -190,6 +205,7 @@ LineBytes LookAtLineOneByOne(const unsigned char* start, size_t left) {
 #ifdef KESTREL_BYTE_SHUFFLES
 // Sixteen bytes at a time. The file's bytes are followed by kAsciiLinePadding readable
 // bytes, so the last step may read past them; what lies past `left` counts as the end.
+template <bool kLook>
 __attribute__((target("ssse3"))) LineBytes LookAtLineWithShuffles(const unsigned char* start, size_t left) {
     const __m128i lf = _mm_set1_epi8('\n'), cr = _mm_set1_epi8('\r');
     const __m128i places = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
@@ -200,35 +216,45 @@ __attribute__((target("ssse3"))) LineBytes LookAtLineWithShuffles(const unsigned
         unsigned ends = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, lf), _mm_cmpeq_epi8(bytes, cr))));
         if (left - n < 16) ends |= 0xFFFFu << (left - n);
         const unsigned k = ends != 0 ? static_cast<unsigned>(__builtin_ctz(ends)) : 16;
-        if (k < 16) bytes = _mm_and_si128(bytes, _mm_cmplt_epi8(places, _mm_set1_epi8(static_cast<char>(k))));
-        AddSorted(seen, SortIntoTrackedUnits(bytes));
-        high = _mm_or_si128(high, bytes);
+        if constexpr (kLook) {
+            if (k < 16) bytes = _mm_and_si128(bytes, _mm_cmplt_epi8(places, _mm_set1_epi8(static_cast<char>(k))));
+            AddSorted(seen, SortIntoTrackedUnits(bytes));
+            high = _mm_or_si128(high, bytes);
+        }
         if (k < 16) {
             LineBytes line;
             line.end = n + k;
-            line.high = _mm_movemask_epi8(high) != 0;
-            line.units = TrackedUnitsIn(seen);
+            if constexpr (kLook) {
+                line.high = _mm_movemask_epi8(high) != 0;
+                line.units = TrackedUnitsIn(seen);
+            }
             return line;
         }
     }
 }
 #endif
 
+template <bool kLook>
+LineBytes LookAtLine(const unsigned char* start, size_t left) {
+#ifdef KESTREL_BYTE_SHUFFLES
+    if (kHasByteShuffles) return LookAtLineWithShuffles<kLook>(start, left);
+#endif
+    return LookAtLineOneByOne<kLook>(start, left);
+}
+
 }  // namespace
 
-std::string_view clsLoader::NextUtf8Line(bool& ascii, UnitSet& units) {
+std::string_view clsLoader::NextUtf8Line(LineLook* look) {
     // CR and LF bytes never occur inside a multi-byte sequence, so the line can be
     // cut before it is decoded; nor do the tracked units, so the bytes tell which of
     // them the decoded line holds. One look at each byte finds all three.
     const unsigned char* start = data_ + pos_;
     const size_t left = size_ - pos_;
-#ifdef KESTREL_BYTE_SHUFFLES
-    const LineBytes line = kHasByteShuffles ? LookAtLineWithShuffles(start, left) : LookAtLineOneByOne(start, left);
-#else
-    const LineBytes line = LookAtLineOneByOne(start, left);
-#endif
-    ascii = !line.high;
-    units = line.units;
+    const LineBytes line = look ? LookAtLine<true>(start, left) : LookAtLine<false>(start, left);
+    if (look) {
+        look->ascii = !line.high;
+        look->units = line.units;
+    }
     pos_ += line.end;
     if (pos_ < size_) pos_ += (data_[pos_] == '\r' && pos_ + 1 < size_ && data_[pos_ + 1] == '\n') ? 2 : 1;
     return {reinterpret_cast<const char*>(start), line.end};

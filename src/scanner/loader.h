@@ -40,8 +40,9 @@ public:
     void ReadLineInto(std::u16string& line);
     // As ReadLineInto, the line then cleaned as CleanLine does, recording its tracked
     // units in `present` (none for a line that comes out empty). A plain ASCII line is
-    // decoded and cleaned in one pass, or left empty when it starts with `emptyingStart`
-    // after its blanks (see CleanAsciiLine).
+    // decoded and cleaned in one pass. A UTF-8 line that starts with `emptyingStart`
+    // after its blanks (a one-line comment that takes the whole line) is passed over
+    // unread and left empty.
     void ReadCleanLineInto(std::u16string& line, UnitSet& present, std::string_view emptyingStart = {});
     // Passes over the next line unread when the file is UTF-8 and the line's bytes do
     // not hold `bytes` (not empty); true then. Otherwise reads nothing and answers false.
@@ -56,10 +57,17 @@ private:
 
     // Reads the next line and, given `present`, cleans it and records its units there.
     void Read(std::u16string& line, UnitSet* present, std::string_view emptyingStart);
+    // What NextUtf8Line can tell of a line's bytes as it finds their end: whether
+    // every one is below 128, and which tracked units they hold.
+    struct LineLook {
+        bool ascii = false;
+        UnitSet units;
+    };
     // The bytes of the next UTF-8 line, without its line end, which is passed over;
-    // `ascii` tells whether every byte is below 128, `units` which tracked units the
-    // line holds.
-    std::string_view NextUtf8Line(bool& ascii, UnitSet& units);
+    // with `look`, what they hold.
+    std::string_view NextUtf8Line(LineLook* look = nullptr);
+    // Whether the next line's bytes start with `bytes` after its spaces and tabs.
+    bool LineStartsAfterBlanks(std::string_view bytes) const;
     void ReadUtf16Line(std::u16string& line);
 
     bool open_ = false;
