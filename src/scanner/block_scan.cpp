@@ -158,13 +158,13 @@ void LevelScanner::ScanLine(std::u16string& L, int32_t i, const UnitSet& present
 
     if (procWords_.Used() && FindEither(syntax_, L, procWords_.words, word, present) != 0) {
         TakeScope(L);
-        results_.Add(L, i, scope_, stack_.Data());
+        results_.Add(L, i, scope_, stack_.Data(), present);
         L.clear();
         inProcedure_ = true;
     }
 
     if (varWords_.Used() && FindEither(syntax_, L, varWords_.words, word, present) != 0 && !inProcedure_) {
-        results_.Add(L, i, kResultVariable, stack_.Data());
+        results_.Add(L, i, kResultVariable, stack_.Data(), present);
         L.clear();
     }
 
@@ -200,7 +200,7 @@ void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
         if (p == npos && q == npos) {
             if (AtDeclarationLevel()) {
                 TakeScope(rest);
-                results_.Add(rest, i, scope_, stack_.Data());
+                results_.Add(rest, i, scope_, stack_.Data(), *present_);
             }
             cur = L.size();
             break;
@@ -210,7 +210,7 @@ void LevelScanner::SweepBlocks(std::u16string& L, int32_t i) {
             if (AtDeclarationLevel() && headLength >= 1) {
                 std::u16string_view head = rest.substr(0, headLength);
                 TakeScope(head);
-                results_.Add(head, i, scope_, stack_.Data());
+                results_.Add(head, i, scope_, stack_.Data(), *present_);
             }
             // extern "C" { (the string already removed): the linkage block counts as a
             // class body so its declarations stay at declaration level. It pushes

@@ -12,6 +12,11 @@ namespace {
 constexpr std::string_view kModule = "clsQuillbox.cls";
 constexpr size_t npos = std::u16string_view::npos;
 
+constexpr std::u16string_view kOperator = u"operator";
+constexpr std::u16string_view kQualifier = u"::";
+const UnitSet kOperatorUnits = UnitSet::Of(kOperator);
+const UnitSet kQualifierUnits = UnitSet::Of(kQualifier);
+
 bool IsNameBreak(char16_t c) {
     return c == u' ' || c == u'&' || c == u'*';
 }
@@ -22,7 +27,7 @@ bool IsDestructorOf(std::u16string_view name, std::u16string_view className) {
 
 }  // namespace
 
-void CAnalysis::ProcessDeclaration(RWord& wrd) {
+void CAnalysis::ProcessDeclaration(RWord& wrd, const UnitSet& units) {
     Trap(kModule, kDeclarationTitle, [&] {
         std::u16string_view text = wrd.word;
         if (!text.empty() && text[0] == u'#') return;  // preprocessor lines
@@ -35,7 +40,7 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
         // Only what comes before the first parenthesis counts; "operator" holds none,
         // so any of it that starts there also ends there.
         const std::u16string_view beforeParen = text.substr(0, p);
-        const bool isOperator = FindText(beforeParen, u"operator") != npos;
+        const bool isOperator = units.MayHold(kOperatorUnits) && FindText(beforeParen, kOperator) != npos;
         if (FindUnit(beforeParen, u'=') != npos && !isOperator) {
             ProcessCVariable(wrd);  // an initialiser that calls something
             return;
@@ -44,7 +49,7 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
         std::u16string_view head = TrimmedView(text.substr(0, p));
         int32_t sep = -1;  // 1-based position of the name break before the name
         std::u16string_view className = wrd.Class;
-        size_t c = FindText(head, u"::");
+        size_t c = units.MayHold(kQualifierUnits) ? FindText(head, kQualifier) : npos;
         if (c != npos) {
             // The qualifier written in the text wins over the enclosing class.
             size_t i = c;
@@ -61,7 +66,7 @@ void CAnalysis::ProcessDeclaration(RWord& wrd) {
 
         std::u16string_view prefix;
         if (isOperator) {
-            size_t at = FindText(head, u"operator");
+            size_t at = FindText(head, kOperator);
             if (at != npos) head.remove_prefix(at + 8);
             prefix = u"operator ";
         }

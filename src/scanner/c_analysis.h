@@ -9,6 +9,7 @@
 #include "scanner/rword.h"
 #include "scanner/scan_output.h"
 #include "scanner/syntax.h"
+#include "scanner/unit_set.h"
 
 namespace kestrel {
 
@@ -21,7 +22,9 @@ struct CAnalysis {
     ParamCollector& params;
     ScanOutput& output;
 
-    void ProcessDeclaration(RWord& wrd);
+    // `units` holds at least the tracked units of the statement: searches for what it
+    // cannot hold are passed over.
+    void ProcessDeclaration(RWord& wrd, const UnitSet& units = UnitSet::Anything());
     // Writes its trimmed statement text back into wrd.word.
     void ProcessCVariable(RWord& wrd);
 };

@@ -168,7 +168,7 @@ void clsQuillbox::SecondPass(ScanOutput& output, int16_t nLang) {
                 RWord& r = results_[k];
                 if (r.Scope == kResultEndClass) output.WriteEndClass__(text.assign(r.Class), r.Line);
                 else if (r.Scope == kResultInclude) output.WriteInclude__(text.assign(r.word), r.Line);
-                else if (r.Scope != kResultVariable) analysis.ProcessDeclaration(r);
+                else if (r.Scope != kResultVariable) analysis.ProcessDeclaration(r, results_.UnitsOf(k));
             }
         } else if (nLang == LANGUAGE_BASIC) {
             BasicAnalysis analysis{syntax, params, output};

@@ -7,9 +7,11 @@
 
 namespace kestrel {
 
-RWord& ResultList::Add(std::u16string_view word, int32_t line, int16_t scope, std::u16string_view className) {
+RWord& ResultList::Add(std::u16string_view word, int32_t line, int16_t scope, std::u16string_view className,
+                       const UnitSet& units) {
     if (className.empty()) lastClass_ = {};
     else if (!SameText(className, lastClass_)) lastClass_ = Keep(className);
+    units_.push_back(units);
     RWord& r = records_.emplace_back();
     r.word = Keep(word);
     r.Line = line;
@@ -38,6 +40,7 @@ std::u16string_view ResultList::Keep(std::u16string_view text) {
 
 void ResultList::clear() {
     records_.clear();
+    units_.clear();
     block_ = used_ = 0;
     large_.clear();
     lastClass_ = {};
@@ -45,7 +48,10 @@ void ResultList::clear() {
 
 void ResultList::Trim(size_t maxRecords, size_t maxUnits) {
     clear();
-    if (records_.capacity() > maxRecords) std::vector<RWord>().swap(records_);
+    if (records_.capacity() > maxRecords) {
+        std::vector<RWord>().swap(records_);
+        std::vector<UnitSet>().swap(units_);
+    }
     blocks_.resize(std::min(blocks_.size(), maxUnits / kBlockUnits));
 }
 

@@ -10,20 +10,24 @@
 #include <vector>
 
 #include "scanner/rword.h"
+#include "scanner/unit_set.h"
 
 namespace kestrel {
 
 class ResultList {
 public:
     // Appends a record with these fields (the others at their defaults); the texts are
-    // copied into the list.
-    RWord& Add(std::u16string_view word, int32_t line, int16_t scope, std::u16string_view className);
+    // copied into the list. `units` holds at least the tracked units of `word`.
+    RWord& Add(std::u16string_view word, int32_t line, int16_t scope, std::u16string_view className,
+               const UnitSet& units = UnitSet::Anything());
     // Forgets the records and their texts but keeps the storage.
     void clear();
 
     size_t size() const { return records_.size(); }
     bool empty() const { return records_.empty(); }
     RWord& operator[](size_t k) { return records_[k]; }
+    // What record k may hold, for the analysers to pass over searches that cannot succeed.
+    const UnitSet& UnitsOf(size_t k) const { return units_[k]; }
     const RWord& operator[](size_t k) const { return records_[k]; }
     RWord* begin() { return records_.data(); }
     RWord* end() { return records_.data() + records_.size(); }
@@ -42,6 +46,7 @@ private:
     std::u16string_view Keep(std::u16string_view text);
 
     std::vector<RWord> records_;
+    std::vector<UnitSet> units_;  // beside records_
     // Texts, in blocks of kBlockUnits filled one after another; a text longer than a
     // block gets storage of its own.
     std::vector<std::unique_ptr<char16_t[]>> blocks_;

@@ -22,7 +22,7 @@ namespace kestrel {
 // The units a set tells apart, bit k standing for unit k. All of them ASCII and none a
 // blank: UTF-8 bytes below 128 are those very units, and cleaning only turns and drops
 // blanks, so a line's raw bytes and its cleaned text hold the same tracked units.
-inline constexpr std::u16string_view kTrackedUnits = u"/*\"'{}clasprivteodubEnFSDmAP";
+inline constexpr std::u16string_view kTrackedUnits = u"/*\"'{}:clasprivteodubEnFSDmAP";
 static_assert(kTrackedUnits.size() <= 32);
 
 // The bit of each byte value: 0 for a unit not tracked.
