@@ -148,23 +148,45 @@ void clsOneFile::WriteDeclare__(const std::u16string& fullName, int32_t line, in
     Trap(kModule, "Sub WriteDeclare__", [&] {
         std::u16string_view className, memberName;
         SplitClassInfo(fullName, className, memberName);
-        std::shared_ptr<ModelSink> heldSink;
-        FilePtr heldSelf;
-        ClassFor(className)->AddFunction__(memberName, line, scope, WriteSink(heldSink), WriteSelf(heldSelf), params);
+        WriteSplit(true, className, memberName, line, scope, params);
     });
 }
 
 void clsOneFile::WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,
                                  const std::u16string& params) {
     Trap(kModule, "Sub WriteVariable__", [&] {
-        // A declarator list the scanner did not split ("a, b") is dropped on purpose.
-        if (FindUnit(fullName, u',') != std::u16string::npos) return;
         std::u16string_view className, memberName;
         SplitClassInfo(fullName, className, memberName);
-        std::shared_ptr<ModelSink> heldSink;
-        FilePtr heldSelf;
-        ClassFor(className)->AddVariable__(memberName, line, scope, WriteSink(heldSink), WriteSelf(heldSelf), params);
+        WriteSplit(false, className, memberName, line, scope, params);
     });
+}
+
+void clsOneFile::WriteMember__(bool isFunction, std::u16string_view className, std::u16string_view memberName,
+                               int32_t line, int16_t scope, const std::u16string& text) {
+    // The full name splits where the parts meet unless a colon in the class name starts
+    // its first "::" earlier; a class name with a colon, which is rare, goes the long way.
+    if (FindUnit(className, u':') != std::u16string_view::npos) {
+        ScanOutput::WriteMember__(isFunction, className, memberName, line, scope, text);
+        return;
+    }
+    Trap(kModule, isFunction ? "Sub WriteDeclare__" : "Sub WriteVariable__", [&] {
+        className = TrimmedView(className);
+        WriteSplit(isFunction, className.empty() ? u"Globals" : className, TrimmedView(memberName), line, scope, text);
+    });
+}
+
+void clsOneFile::WriteSplit(bool isFunction, std::u16string_view className, std::u16string_view memberName,
+                            int32_t line, int16_t scope, const std::u16string& text) {
+    std::shared_ptr<ModelSink> heldSink;
+    FilePtr heldSelf;
+    if (isFunction) {
+        ClassFor(className)->AddFunction__(memberName, line, scope, WriteSink(heldSink), WriteSelf(heldSelf), text);
+        return;
+    }
+    // A declarator list the scanner did not split ("a, b") is dropped on purpose.
+    constexpr size_t npos = std::u16string_view::npos;
+    if (FindUnit(className, u',') != npos || FindUnit(memberName, u',') != npos) return;
+    ClassFor(className)->AddVariable__(memberName, line, scope, WriteSink(heldSink), WriteSelf(heldSelf), text);
 }
 
 void clsOneFile::WriteEndClass__(const std::u16string& className, int32_t endLine) {

@@ -64,6 +64,10 @@ public:
                         const std::u16string& params) override;
     void WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,
                          const std::u16string& params) override;
+    // As WriteDeclare__ or WriteVariable__ with the full name className::memberName,
+    // without joining and splitting it.
+    void WriteMember__(bool isFunction, std::u16string_view className, std::u16string_view memberName, int32_t line,
+                       int16_t scope, const std::u16string& text) override;
     void WriteEndClass__(const std::u16string& className, int32_t endLine) override;
     void WriteInclude__(const std::u16string& fileName, int32_t line) override;
     void AddAllFromTheClass__(const std::u16string& className, ModelSink* sink);
@@ -77,6 +81,9 @@ private:
     static void SplitClassInfo(std::u16string_view fullName, std::u16string_view& className,
                                std::u16string_view& memberName);
     ClassPtr ClassFor(std::u16string_view className);
+    // Files a member under its class; both parts as SplitClassInfo gives them.
+    void WriteSplit(bool isFunction, std::u16string_view className, std::u16string_view memberName, int32_t line,
+                    int16_t scope, const std::u16string& text);
     // The sink the write operations report to, and the file they report: the running
     // update's, else the file's own (kept alive in held).
     ModelSink* WriteSink(std::shared_ptr<ModelSink>& held);

@@ -3,7 +3,6 @@
 #include "common/constants.h"
 #include "common/text.h"
 #include "errorlog/errorlog.h"
-#include "scanner/qualified_name.h"
 
 namespace kestrel {
 
@@ -34,7 +33,7 @@ void BasicAnalysis::ProcessBasicDeclaration(RWord& wrd) {
         }
         std::u16string_view rest = TrimmedView(text.substr(at + keyword.size()));
         std::u16string_view name = rest.substr(0, UpTo(rest, u" ("));
-        output.WriteDeclare__(QualifiedName(wrd.Class, {}, name), wrd.Line, wrd.Scope, params.CollectParams(wrd));
+        output.WriteMember__(true, wrd.Class, name, wrd.Line, wrd.Scope, params.CollectParams(wrd));
     });
 }
 
@@ -77,7 +76,8 @@ void BasicAnalysis::ProcessBasicVariable(RWord& wrd) {
             size_t blank = before.rfind(u' ');
             name = blank == npos ? before : before.substr(blank + 1);
         }
-        output.WriteVariable__(QualifiedName(wrd.Class, {}, name), wrd.Line, wrd.Scope, u"");
+        static const std::u16string kNoTypeText;
+        output.WriteMember__(false, wrd.Class, name, wrd.Line, wrd.Scope, kNoTypeText);
     });
 }
 

@@ -2,7 +2,6 @@
 
 #include "common/text.h"
 #include "errorlog/errorlog.h"
-#include "scanner/qualified_name.h"
 #include "scanner/text_search.h"
 
 namespace kestrel {
@@ -64,11 +63,12 @@ void CAnalysis::ProcessDeclaration(RWord& wrd, const UnitSet& units) {
         if (blank != npos) head = TrimmedView(head.substr(blank + 1));
         if (head.empty()) return;
 
-        std::u16string_view prefix;
+        std::u16string_view member = head;
+        std::u16string operatorName;
         if (isOperator) {
             size_t at = FindText(head, kOperator);
             if (at != npos) head.remove_prefix(at + 8);
-            prefix = u"operator ";
+            member = operatorName.assign(u"operator ").append(head);
         }
 
         if (sep < 1 && !isOperator) {
@@ -84,7 +84,7 @@ void CAnalysis::ProcessDeclaration(RWord& wrd, const UnitSet& units) {
         // (this rejects calls such as foo(1); and macro lines).
         if (sep == -1 && !isOperator && !SameText(head, className) && !IsDestructorOf(head, className)) return;
 
-        output.WriteDeclare__(QualifiedName(className, prefix, head), wrd.Line, wrd.Scope, params.CollectParams(wrd));
+        output.WriteMember__(true, className, member, wrd.Line, wrd.Scope, params.CollectParams(wrd));
     });
 }
 
@@ -132,12 +132,12 @@ void CAnalysis::ProcessCVariable(RWord& wrd) {
         if (k == 0) return;  // a single word
 
         std::u16string_view name = decl.substr(k);
-        // Reused from one variable to the next on this thread, as the full name is.
+        // Reused from one variable to the next on this thread.
         thread_local std::u16string typeText;
         typeText.assign(CollectCVarParams(wrd, name));
-        const std::u16string& fullName = QualifiedName(wrd.Class, {}, name);
-        if (syntax.IsSeparator(fullName.back())) return;
-        output.WriteVariable__(fullName, wrd.Line, wrd.Scope, typeText);
+        // The last character of the full name: of "::" when the name is empty.
+        if (syntax.IsSeparator(name.empty() ? u':' : name.back())) return;
+        output.WriteMember__(false, wrd.Class, name, wrd.Line, wrd.Scope, typeText);
     });
 }
 

@@ -3,6 +3,7 @@
 // (the file record implements it) and the host's line source for text held in memory.
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace kestrel {
 
@@ -19,6 +20,12 @@ public:
                                 const std::u16string& params) = 0;
     virtual void WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,
                                  const std::u16string& typeText) = 0;
+    // A function (as WriteDeclare__) or a variable (as WriteVariable__) handed over in
+    // the two parts of its full name, as the scanner finds them: the full name is
+    // className, "::" and memberName. This joins them and passes the full name on; an
+    // output that would only split it again takes the parts as they are.
+    virtual void WriteMember__(bool isFunction, std::u16string_view className, std::u16string_view memberName,
+                               int32_t line, int16_t scope, const std::u16string& text);
     virtual void WriteEndClass__(const std::u16string& className, int32_t endLine) = 0;
     virtual void WriteInclude__(const std::u16string& fileName, int32_t line) = 0;
 };

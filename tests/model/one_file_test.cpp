@@ -62,6 +62,31 @@ TEST(ExtractClassInfo, SplitsAtTheFirstDoubleColon) {
     EXPECT_EQ(Split(u" Bar "), (P{u"Globals", u" Bar "}));  // unchanged without "::"
 }
 
+// The scanner hands a member over in the two parts of its full name; filed from the
+// parts, it must land where its joined full name would, for every shape of name.
+TEST(FileMembers, FiledFromTheirPartsAsFromTheirFullNames) {
+    const std::pair<std::u16string, std::u16string> names[] = {
+        {u"CFoo", u"Bar"}, {u"", u"main"}, {u"  CFoo ", u" Bar "}, {u" ", u"x"}, {u"A", u"B::c"},
+        {u"a:b", u"f"},    {u"A:", u"f"},  {u"A", u":f"},          {u"", u"::f"}, {u"CFoo", u"a, b"},
+        {u"a,b", u"c"},   {u"CFoo", u""}};
+    for (bool isFunction : {true, false}) {
+        auto joinedSink = std::make_shared<test::RecordingSink>(), partsSink = std::make_shared<test::RecordingSink>();
+        FilePtr joined = std::make_shared<clsOneFile>(), parts = std::make_shared<clsOneFile>();
+        joined->SetSinkObject(joinedSink);
+        parts->SetSinkObject(partsSink);
+        const std::u16string text = isFunction ? u"(int)" : u"int";
+        int32_t line = 0;
+        for (const auto& [className, member] : names) {
+            const std::u16string full = className + u"::" + member;
+            if (isFunction) joined->WriteDeclare__(full, ++line, PUBLIC_SCOPE, text);
+            else joined->WriteVariable__(full, ++line, PUBLIC_SCOPE, text);
+            parts->WriteMember__(isFunction, className, member, line, PUBLIC_SCOPE, text);
+        }
+        EXPECT_EQ(partsSink->calls, joinedSink->calls);
+        EXPECT_EQ(parts->count(), joined->count());
+    }
+}
+
 TEST_F(FileFixture, DeclarationsGoToTheirClassesCreatedOnFirstUse) {
     file->WriteDeclare__(u"CFoo::Bar", 3, PUBLIC_SCOPE, u"(int)");
     file->WriteVariable__(u"CFoo::m_x", 4, PRIVATE_SCOPE, u"int");
