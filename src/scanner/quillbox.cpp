@@ -88,7 +88,7 @@ clsQuillbox::~clsQuillbox() {
     ReleaseLines();
     results_.Trim(LinePool::kMaxResults, LinePool::kMaxResultUnits);
     ResultList& spare = Pool().results;
-    if (results_.RecordRoom() + results_.TextRoom() > spare.RecordRoom() + spare.TextRoom()) std::swap(results_, spare);
+    if (results_.RecordRoom() > spare.RecordRoom()) std::swap(results_, spare);
 }
 
 void clsQuillbox::StoreLine(std::u16string_view raw) {

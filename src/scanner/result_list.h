@@ -34,9 +34,8 @@ public:
     const RWord* begin() const { return records_.data(); }
     const RWord* end() const { return records_.data() + records_.size(); }
 
-    // How much storage the list keeps, in records and in units of text.
+    // How many records the list has room for.
     size_t RecordRoom() const { return records_.capacity(); }
-    size_t TextRoom() const { return blocks_.size() * kBlockUnits; }
     // Empties the list and lets go of whatever a huge scan grew past these bounds.
     void Trim(size_t maxRecords, size_t maxUnits);
 
