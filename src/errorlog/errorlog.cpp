@@ -36,7 +36,31 @@ int16_t AppendToLog(const ErrorReport& r) {
     return 0;
 }
 
+// The default handler, holding to the cap of the operation under way.
+int16_t LogWithinOperation(const ErrorReport& r) {
+    detail::OperationTally& tally = detail::t_operation;
+    if (tally.depth == 0) return AppendToLog(r);
+    if (tally.kept < kReportsKeptPerOperation) {
+        ++tally.kept;
+        return AppendToLog(r);
+    }
+    ++tally.leftOut;
+    return 0;
+}
+
 }  // namespace
+
+void detail::EndLoggedOperation(std::string_view module, std::string_view title) noexcept {
+    OperationTally& tally = t_operation;
+    const int leftOut = tally.leftOut;
+    tally.kept = tally.leftOut = 0;
+    if (leftOut == 0) return;
+    try {
+        const std::string message = std::to_string(leftOut) + " more error reports of this operation left out";
+        AppendToLog(ErrorReport{module, title, 0, message});
+    } catch (...) {
+    }
+}
 
 std::string ErrorLogPath() {
     const char* state = std::getenv("XDG_STATE_HOME");
@@ -74,7 +98,7 @@ int16_t ReportError(std::string_view module, std::string_view title, int number,
     }
     ErrorReport report{module, title, number, message};
     try {
-        return handler ? handler(report) : AppendToLog(report);
+        return handler ? handler(report) : LogWithinOperation(report);
     } catch (...) {
         return 0;  // a failing handler must not take the caller down with it
     }

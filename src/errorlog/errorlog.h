@@ -71,17 +71,43 @@ std::string ErrorLogPath();
 // Reports the exception currently being handled.
 void ReportCurrentException(std::string_view module, std::string_view title) noexcept;
 
+// How many reports of one operation the error log keeps; one more line then counts the
+// rest, so that a hostile file with an error in every declaration cannot fill the disk.
+// An operation is the outermost Trap on a thread: one call of the host into the
+// component, with every trapped step it makes on the way. Reports made outside any
+// trap are each logged. Handlers installed with SetErrorHandler see every report.
+inline constexpr int kReportsKeptPerOperation = 20;
+
+namespace detail {
+
+// The reports the error log took and left out within the current operation.
+struct OperationTally {
+    int depth = 0;  // Traps open on this thread
+    int kept = 0;
+    int leftOut = 0;
+};
+constinit inline thread_local OperationTally t_operation{};
+
+// Ends an operation that reached the error log: notes what it left out, starts afresh.
+void EndLoggedOperation(std::string_view module, std::string_view title) noexcept;
+
+}  // namespace detail
+
 // Runs body under an error trap. Returns true when it ran to its end, false when a
 // run-time error cut it short (the error has then been reported).
 template <class Body>
 bool Trap(std::string_view module, std::string_view title, Body&& body) noexcept {
+    detail::OperationTally& tally = detail::t_operation;
+    ++tally.depth;
+    bool finished = true;
     try {
         body();
-        return true;
     } catch (...) {
         ReportCurrentException(module, title);
-        return false;
+        finished = false;
     }
+    if (--tally.depth == 0 && tally.kept != 0) detail::EndLoggedOperation(module, title);
+    return finished;
 }
 
 }  // namespace kestrel
