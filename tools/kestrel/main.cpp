@@ -2,6 +2,7 @@
 #include <cstring>
 #include <iostream>
 
+#include "checked_output.h"
 #include "commands.h"
 #include "huge_heap.h"
 
@@ -41,9 +42,7 @@ const Command* Find(const char* name) {
     return nullptr;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
     if (argc < 2) {
         Usage(std::cerr);
         return 2;
@@ -67,4 +66,13 @@ int main(int argc, char** argv) {
         return 2;
     }
     return command->run(argc - 2, argv + 2);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // Every command's output goes through it, so that none can end with status 0
+    // after its output was lost.
+    kestrel::cli::CheckedOutput output;
+    return output.Finish(Run(argc, argv));
 }

@@ -165,7 +165,6 @@ int RunScan(int argc, char** argv) {
     int status = ParseOptions(argc, argv, options);
     if (status != 0) return status < 0 ? 0 : status;
 
-    std::ios::sync_with_stdio(false);
     const bool dumping = options.dumpLines || options.dumpResults;
     int exitStatus = 0;
     for (const std::string& path : options.files) {
