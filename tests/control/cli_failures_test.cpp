@@ -18,6 +18,21 @@ using namespace kestrel::test;
 
 constexpr const char* kFullDisk = "kestrel: writing standard output: No space left on device\n";
 
+// A variable whose last character lies above the scanner's separator table is
+// reported and lost: one error report per line.
+std::string Reported(int lines) {
+    std::string text;
+    for (int i = 0; i < lines; ++i) text += "int v" + std::to_string(i) + "\xC4\x81;\n";
+    return text;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+
 class CliFailures : public ::testing::Test {
 protected:
     Outcome Kestrel(const std::string& args) { return RunKestrel(dir, args); }
@@ -56,6 +71,28 @@ TEST_F(CliFailures, EveryCommandThatLosesItsOutputSaysWhyAndFails) {
     const Outcome missing = KestrelTo("/dev/full", "scan a.cpp missing.cpp");
     EXPECT_EQ(missing.status, 1);
     EXPECT_NE(missing.err.find(kFullDisk), std::string::npos) << missing.err;
+}
+
+TEST_F(CliFailures, ARunShowsTwentyErrorReportsAndTheErrorLogKeepsTwentyPerOperation) {
+    std::ofstream(dir / "bad.cpp") << Reported(35);
+    std::ofstream(dir / "few.cpp") << Reported(3);
+    const Outcome made = Kestrel("new p.kpr bad.cpp few.cpp");
+    EXPECT_EQ(made.status, 1);
+    const std::vector<std::string> shown = Lines(made.err);
+    ASSERT_EQ(shown.size(), 21u) << made.err;
+    EXPECT_EQ(shown[19], "kestrel: error in clsQuillbox.cls (Sub ProcessCVariable): Subscript out of range");
+    EXPECT_EQ(shown[20], "kestrel: 18 more error reports not shown");
+    EXPECT_EQ(Lines(Kestrel("new q.kpr few.cpp").err).size(), 3u);  // no count line when nothing is held back
+
+    // kestrel scan leaves its reports to the error log: one operation per file scanned.
+    ASSERT_EQ(KestrelTo("/dev/null", "scan bad.cpp few.cpp bad.cpp").status, 0);
+    const std::vector<std::string> logged = Lines(ReadFileBytes(dir / "state/kestrel/error.log"));
+    ASSERT_EQ(logged.size(), 21u + 3u + 21u);
+    for (size_t end : {20u, 44u})
+        EXPECT_NE(logged[end].find("clsQuillbox.cls\tFunction ParseFile\t0 15 more error reports of this operation left out"),
+                  std::string::npos)
+            << logged[end];
+    EXPECT_NE(logged[21].find("\tSub ProcessCVariable\t9 Subscript out of range"), std::string::npos);
 }
 
 }  // namespace

@@ -20,8 +20,9 @@ ProjectSession::ProjectSession(Kind kind) : state_(std::make_unique<State>()) {
     else
         state_->headless = HeadlessProject::Create();
     previousHandler_ = SetErrorHandler([this](const ErrorReport& r) -> int16_t {
-        ++errors_;
-        std::cerr << "kestrel: error in " << r.module << " (" << r.title << "): " << r.message << "\n";
+        // A run shows as many reports as the error log keeps of one operation.
+        if (++errors_ <= kReportsKeptPerOperation)
+            std::cerr << "kestrel: error in " << r.module << " (" << r.title << "): " << r.message << "\n";
         return 0;
     });
 }
@@ -36,6 +37,8 @@ ProjectSession::ProjectSession(Kind kind) : state_(std::make_unique<State>()) {
 #endif
 
 ProjectSession::~ProjectSession() {
+    if (errors_ > kReportsKeptPerOperation)
+        std::cerr << "kestrel: " << errors_ - kReportsKeptPerOperation << " more error reports not shown\n";
 #ifdef KESTREL_LEAK_CHECKED
     state_.reset();
 #else
