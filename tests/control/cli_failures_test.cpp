@@ -95,4 +95,21 @@ TEST_F(CliFailures, ARunShowsTwentyErrorReportsAndTheErrorLogKeepsTwentyPerOpera
     EXPECT_NE(logged[21].find("\tSub ProcessCVariable\t9 Subscript out of range"), std::string::npos);
 }
 
+TEST_F(CliFailures, AnUnknownLanguageNameListsTheNamesThatAreKnown) {
+    std::ofstream(dir / "a.cpp") << "int a;\n";
+    const Outcome made = Kestrel("new p.kpr --language klingon a.cpp");
+    EXPECT_EQ(made.status, 2);
+    EXPECT_EQ(made.err, "kestrel new: --language must be c, cpp, c++, java, basic, vb or a language number, not "
+                        "'klingon' (kestrel new --help shows the usage)\n");
+    const Outcome scanned = Kestrel("scan --language klingon a.cpp");
+    EXPECT_EQ(scanned.status, 2);
+    EXPECT_EQ(scanned.err, "kestrel scan: unknown language 'klingon' (use c, cpp, c++, java, basic, vb or a language "
+                           "number)\n");
+    // Every listed name is taken by both commands.
+    for (const char* name : {"c", "cpp", "c++", "java", "basic", "vb", "3"}) {
+        EXPECT_EQ(Kestrel(std::string("new p.kpr --language ") + name + " a.cpp").status, 0) << name;
+        EXPECT_EQ(Kestrel(std::string("scan --language ") + name + " a.cpp").status, 0) << name;
+    }
+}
+
 }  // namespace

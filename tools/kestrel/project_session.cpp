@@ -9,6 +9,7 @@
 
 #include "common/constants.h"
 #include "common/text.h"
+#include "language_names.h"
 
 namespace kestrel::cli {
 
@@ -116,10 +117,12 @@ std::string AbsolutePath(const std::string& path) {
 }
 
 int32_t ParseLanguage(const std::string& text) {
-    if (text == "c" || text == "cpp" || text == "c++") return LANGUAGE_C;
-    if (text == "java") return LANGUAGE_JAVA;
-    if (text == "basic" || text == "vb") return LANGUAGE_BASIC;
-    return ParseNumber("--language", text);
+    if (const std::optional<int32_t> named = LanguageOfName(text)) return *named;
+    try {
+        return ParseNumber("--language", text);
+    } catch (const UsageError&) {
+        throw UsageError("--language must be " + AcceptedLanguages() + ", not '" + text + "'");
+    }
 }
 
 int32_t ParseFileType(const std::string& text) {

@@ -76,7 +76,7 @@ private:
 
 // An absolute, lexically normalised path.
 std::string AbsolutePath(const std::string& path);
-// A Languages value from c, cpp, c++, java, basic or a number.
+// A Languages value from one of the names of kLanguageNames or a number.
 int32_t ParseLanguage(const std::string& text);
 // A FileType value from impl, def, form, noparse or 1 to 4.
 int32_t ParseFileType(const std::string& text);

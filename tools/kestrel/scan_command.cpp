@@ -3,11 +3,13 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "commands.h"
+#include "language_names.h"
 #include "common/constants.h"
 #include "common/text.h"
 #include "scanner/debug_dump.h"
@@ -58,9 +60,7 @@ struct Options {
 };
 
 bool ParseLanguage(const std::string& text, int16_t& language) {
-    if (text == "c" || text == "cpp") language = LANGUAGE_C;
-    else if (text == "java") language = LANGUAGE_JAVA;
-    else if (text == "basic") language = LANGUAGE_BASIC;
+    if (const std::optional<int32_t> named = LanguageOfName(text)) language = static_cast<int16_t>(*named);
     else {
         if (text.empty()) return false;
         char* end = nullptr;
@@ -96,12 +96,11 @@ int ParseOptions(int argc, char** argv, Options& options) {
             } else if (i + 1 < argc) {
                 value = argv[++i];
             } else {
-                std::cerr << "kestrel scan: " << arg << " needs a value (c, cpp, java, basic or a number)\n";
+                std::cerr << "kestrel scan: " << arg << " needs a value (" << AcceptedLanguages() << ")\n";
                 return 2;
             }
             if (!ParseLanguage(value, options.language)) {
-                std::cerr << "kestrel scan: unknown language '" << value
-                          << "' (use c, cpp, java, basic or a number)\n";
+                std::cerr << "kestrel scan: unknown language '" << value << "' (use " << AcceptedLanguages() << ")\n";
                 return 2;
             }
         } else {
