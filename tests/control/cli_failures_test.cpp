@@ -112,4 +112,48 @@ TEST_F(CliFailures, AnUnknownLanguageNameListsTheNamesThatAreKnown) {
     }
 }
 
+TEST_F(CliFailures, AFolderWithoutSourceFilesOfTheLanguageFailsAndWritesNothing) {
+    fs::create_directories(dir / "java" / ".hidden");
+    std::ofstream(dir / "java" / "A.java") << "class A {\n}\n";
+    std::ofstream(dir / "java" / "notes.txt") << "x\n";
+    std::ofstream(dir / "java" / ".hidden" / "b.cpp") << "int b;\n";
+    std::ofstream(dir / "a.cpp") << "int a;\n";
+    const Outcome made = Kestrel("new p.kpr a.cpp java");
+    EXPECT_EQ(made.status, 1);
+    EXPECT_EQ(made.err, "kestrel: java: no source file of the project's language in this folder "
+                        "(.h .hh .hpp .hxx .inl .c .cc .cpp .cxx)\n");
+    EXPECT_FALSE(fs::exists(dir / "p.kpr"));
+    // add says so too and leaves the project as it was.
+    ASSERT_EQ(Kestrel("new p.kpr a.cpp").status, 0);
+    const std::string before = ReadFileBytes(dir / "p.kpr");
+    EXPECT_EQ(Kestrel("add p.kpr java").status, 1);
+    EXPECT_EQ(ReadFileBytes(dir / "p.kpr"), before);
+    // The same folder serves a Java project.
+    EXPECT_EQ(Kestrel("new j.kpr --language java java").status, 0);
+}
+
+TEST_F(CliFailures, FolderWalksSkipBinaryFilesWithOneNoteWhileNamedFilesAreScanned) {
+    fs::create_directories(dir / "src" / "sub");
+    std::ofstream(dir / "src" / "text.cpp") << "int text;\n";
+    WriteFileBytes(dir / "src" / "blob.cpp", std::string("int blob;\n\0\x01\x02", 13));
+    WriteFileBytes(dir / "src" / "sub" / "image.h", std::string(100, '\0'));
+    // A NUL past the first 8 KB, and UTF-16 text with its byte-order mark, are text.
+    WriteFileBytes(dir / "src" / "late.cpp", "int late;\n" + std::string(8192, ' ') + std::string(1, '\0'));
+    WriteFileBytes(dir / "src" / "wide.cpp", std::string("\xFF\xFEi\0n\0t\0 \0w\0;\0\n\0", 18));
+    const Outcome made = Kestrel("new p.kpr src");
+    EXPECT_EQ(made.status, 0) << made.err;
+    EXPECT_EQ(made.err, "kestrel: skipped 2 binary files in folders (a NUL byte in the first 8 KB)\n");
+    const std::string tree = Kestrel("tree --files p.kpr").out;
+    EXPECT_EQ(tree, "p\n  Implementation\n    late.cpp\n    text.cpp\n    wide.cpp\n");
+
+    // Named one by one, or listed, a file is scanned as it is.
+    std::ofstream(dir / "list") << "src/sub/image.h\n";
+    const Outcome named = Kestrel("new q.kpr src/blob.cpp --files-from list");
+    EXPECT_EQ(named.status, 0);
+    EXPECT_EQ(named.err, "");
+    EXPECT_EQ(Kestrel("tree --files q.kpr").out, "q\n  Definition\n    image.h\n  Implementation\n    blob.cpp\n");
+    // A folder of binary files alone gives nothing.
+    EXPECT_EQ(Kestrel("new r.kpr src/sub").status, 1);
+}
+
 }  // namespace

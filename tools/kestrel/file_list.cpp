@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string_view>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -56,6 +58,29 @@ const ExtensionType* Lookup(const std::string& path) {
     return nullptr;
 }
 
+// Every family of the C language shares one set of extensions.
+int32_t FolderFamily(int32_t language) {
+    return language == LANGUAGE_JAVA || language == LANGUAGE_BASIC ? language : LANGUAGE_C;
+}
+
+// A NUL byte in the first 8 KB makes a file binary, as git and grep decide; a file
+// that starts with a UTF-16 byte-order mark is text that holds NUL bytes by nature.
+bool LooksBinary(const std::string& path) {
+    constexpr size_t kProbe = 8192;
+    char head[kProbe];
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return false;  // left to the scan, which reports why it cannot read it
+    size_t got = 0;
+    for (ssize_t n; got < kProbe && (n = ::read(file, head + got, kProbe - got)) != 0;) {
+        if (n > 0) got += static_cast<size_t>(n);
+        else if (errno != EINTR) break;
+    }
+    ::close(file);
+    const std::string_view bytes(head, got);
+    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) return false;
+    return bytes.find('\0') != std::string_view::npos;
+}
+
 double Now() {
     using namespace std::chrono;
     return duration<double>(steady_clock::now().time_since_epoch()).count();
@@ -93,12 +118,31 @@ void FileList::Add(const std::string& path) {
             continue;
         }
         const ExtensionType* e = Lookup(p.string());
-        // Every family of the C language shares one set of extensions.
-        const int32_t family = language_ == LANGUAGE_JAVA || language_ == LANGUAGE_BASIC ? language_ : LANGUAGE_C;
-        if (e && e->language == family && it->is_regular_file(ec)) found.push_back(p.lexically_normal().string());
+        if (!e || e->language != FolderFamily(language_) || !it->is_regular_file(ec)) continue;
+        if (LooksBinary(p.string()))
+            ++binaryFilesSkipped_;
+        else
+            found.push_back(p.lexically_normal().string());
     }
+    if (found.empty()) emptyFolders_.push_back(path);
     std::sort(found.begin(), found.end());
     for (const std::string& f : found) AddFile(f);
+}
+
+std::string FileList::LanguageExtensions() const {
+    std::string list;
+    for (const ExtensionType& e : kExtensions)
+        if (e.language == FolderFamily(language_)) list.append(list.empty() ? "(" : " ").append(e.extension);
+    return list + ")";
+}
+
+void ReportFolderWalk(const FileList& list) {
+    if (const size_t skipped = list.BinaryFilesSkipped())
+        std::cerr << "kestrel: skipped " << skipped << (skipped == 1 ? " binary file" : " binary files")
+                  << " in folders (a NUL byte in the first 8 KB)\n";
+    if (!list.EmptyFolders().empty())
+        throw Failure(list.EmptyFolders().front(),
+                      "no source file of the project's language in this folder " + list.LanguageExtensions());
 }
 
 void FileList::AddFrom(const std::string& listPath) {

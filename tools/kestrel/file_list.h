@@ -21,12 +21,20 @@ public:
     // The type given with --type for the files that follow.
     void SetType(int32_t type) { type_ = type; }
     // A file, or a folder whose files of the project's language are added in sorted
-    // path order (hidden folders skipped). A missing path fails.
+    // path order (hidden folders skipped, binary files counted and skipped). A missing
+    // path fails.
     void Add(const std::string& path);
     // One path per line of a list file, or of standard input for "-".
     void AddFrom(const std::string& listPath);
 
     const std::vector<SourceFile>& Files() const { return files_; }
+    // The folders, as given, that held no source file of the project's language.
+    const std::vector<std::string>& EmptyFolders() const { return emptyFolders_; }
+    // The files of folders left out for holding a NUL byte in their first 8 KB, as git
+    // and grep tell binary files (UTF-16 text with its byte-order mark excepted).
+    size_t BinaryFilesSkipped() const { return binaryFilesSkipped_; }
+    // The extensions of the project language's files, as "(.c .cc ...)".
+    std::string LanguageExtensions() const;
 
 private:
     void AddFile(const std::string& absolutePath);
@@ -34,7 +42,13 @@ private:
     int32_t language_;
     std::optional<int32_t> type_;
     std::vector<SourceFile> files_;
+    std::vector<std::string> emptyFolders_;
+    size_t binaryFilesSkipped_ = 0;
 };
+
+// Notes the binary files a list's folders skipped on standard error, then fails on
+// the first folder that held no source file: the project would come out empty.
+void ReportFolderWalk(const FileList& list);
 
 // The file type an extension stands for (FILETYPE_NOPARSE for anything unknown).
 int32_t FileTypeOfExtension(const std::string& path);

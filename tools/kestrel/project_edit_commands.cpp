@@ -100,6 +100,7 @@ std::vector<SourceFile> GatherFiles(const ProjectArgs& parsed, int32_t language)
             case ProjectArgs::Step::FilesFrom: list.AddFrom(step.value); break;
         }
     }
+    ReportFolderWalk(list);
     return list.Files();
 }
 
