@@ -156,4 +156,18 @@ TEST_F(CliFailures, FolderWalksSkipBinaryFilesWithOneNoteWhileNamedFilesAreScann
     EXPECT_EQ(Kestrel("new r.kpr src/sub").status, 1);
 }
 
+TEST_F(CliFailures, AProjectPathThroughAFileSaysThatItIsAFile) {
+    fs::create_directories(dir / "other");
+    std::ofstream(dir / "other" / "real.kst") << "x";
+    std::ofstream(dir / "a.cpp") << "int a;\n";
+    const std::string file = (dir / "other" / "real.kst").string();
+    for (const std::string project : {"other/real.kst/", "other/real.kst/deeper/p.kpr"}) {
+        const Outcome made = Kestrel("new " + project + " a.cpp");
+        EXPECT_EQ(made.status, 1);
+        EXPECT_EQ(made.err, "kestrel: " + (dir / project).string() + ": cannot write the project file: " + file +
+                                " is a file, not a folder\n");
+    }
+    EXPECT_EQ(ReadFileBytes(dir / "other" / "real.kst"), "x");
+}
+
 }  // namespace

@@ -94,12 +94,27 @@ void ProjectSession::SaveComplete() {
     if (!OnProject([](auto& project) { return project.SaveComplete(); })) SaveFailed(path);
 }
 
+namespace {
+
+// Why a file cannot go into dir: the nearest part of its path that exists is a file,
+// or else the folder is missing.
+std::string WhyNoFolder(const fs::path& dir) {
+    std::error_code ec;
+    for (fs::path part = dir; !part.empty() && part != part.root_path(); part = part.parent_path()) {
+        if (fs::is_directory(part, ec)) break;
+        if (fs::exists(part, ec)) return part.string() + " is a file, not a folder";
+    }
+    return "folder " + dir.string() + " does not exist";
+}
+
+}  // namespace
+
 void ProjectSession::SaveFailed(const std::string& path) {
     const fs::path dir = fs::path(path).parent_path();
     std::string reason = "cannot write the project file";
     std::error_code ec;
     if (!fs::is_directory(dir, ec))
-        reason += ": folder " + dir.string() + " does not exist";
+        reason += ": " + WhyNoFolder(dir);
     else if (errno != 0)
         reason += std::string(": ") + std::strerror(errno);
     throw Failure(path, reason);
