@@ -139,7 +139,7 @@ TEST_F(CliFailures, FolderWalksSkipBinaryFilesWithOneNoteWhileNamedFilesAreScann
     WriteFileBytes(dir / "src" / "sub" / "image.h", std::string(100, '\0'));
     // A NUL past the first 8 KB, and UTF-16 text with its byte-order mark, are text.
     WriteFileBytes(dir / "src" / "late.cpp", "int late;\n" + std::string(8192, ' ') + std::string(1, '\0'));
-    WriteFileBytes(dir / "src" / "wide.cpp", std::string("\xFF\xFEi\0n\0t\0 \0w\0;\0\n\0", 18));
+    WriteFileBytes(dir / "src" / "wide.cpp", std::string("\xFF\xFEi\0n\0t\0 \0w\0;\0\n\0", 16));
     const Outcome made = Kestrel("new p.kpr src");
     EXPECT_EQ(made.status, 0) << made.err;
     EXPECT_EQ(made.err, "kestrel: skipped 2 binary files in folders (a NUL byte in the first 8 KB)\n");
