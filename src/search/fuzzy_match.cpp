@@ -41,6 +41,8 @@ int32_t BonusAt(std::u16string_view name, size_t j) {
 
 char16_t FoldUnit(char16_t c) { return UpperUnit(c); }
 
+std::u16string FoldText(std::u16string_view text) { return UpperCase(text); }
+
 uint64_t UnitMask(std::u16string_view text) {
     uint64_t mask = 0;
     for (char16_t c : text) {
@@ -64,6 +66,14 @@ FuzzyQuery::FuzzyQuery(std::u16string_view text) {
 }
 
 std::optional<int32_t> FuzzyQuery::Score(std::u16string_view name, std::vector<uint32_t>* positions) const {
+    thread_local std::u16string folded;
+    folded.resize(name.size());
+    for (size_t j = 0; j < name.size(); ++j) folded[j] = FoldUnit(name[j]);
+    return ScoreFolded(name, folded, positions);
+}
+
+std::optional<int32_t> FuzzyQuery::ScoreFolded(std::u16string_view name, std::u16string_view folded,
+                                               std::vector<uint32_t>* positions) const {
     const size_t m = folded_.size(), n = name.size();
     if (m == 0) return 0;
     if (n < m) return std::nullopt;
@@ -71,7 +81,7 @@ std::optional<int32_t> FuzzyQuery::Score(std::u16string_view name, std::vector<u
     // Most names fail here, in one pass: the units do not appear in order at all.
     size_t found = 0;
     for (size_t j = 0; j < n && found < m; ++j)
-        if (FoldUnit(name[j]) == folded_[found]) ++found;
+        if (folded[j] == folded_[found]) ++found;
     if (found < m) return std::nullopt;
 
     // best[i][j]: the best score of the query's first i+1 units with unit i matched at
@@ -79,14 +89,9 @@ std::optional<int32_t> FuzzyQuery::Score(std::u16string_view name, std::vector<u
     // further one; a gap before the first unit costs nothing. Rows are kept whole only
     // when the positions are asked for.
     thread_local std::vector<int32_t> rows;
-    thread_local std::u16string folded;
     thread_local std::vector<int32_t> bonus;
-    folded.resize(n);
     bonus.resize(n);
-    for (size_t j = 0; j < n; ++j) {
-        folded[j] = FoldUnit(name[j]);
-        bonus[j] = BonusAt(name, j);
-    }
+    for (size_t j = 0; j < n; ++j) bonus[j] = BonusAt(name, j);
     const size_t kept = positions ? m : 2;
     rows.assign(kept * n, kUnmatched);
     auto row = [&](size_t i) { return rows.data() + (i % kept) * n; };

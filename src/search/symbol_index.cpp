@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <functional>
 #include <queue>
 
 #include "model/all_files.h"
@@ -9,6 +10,7 @@
 #include "model/one_file.h"
 #include "model/one_item.h"
 #include "search/fuzzy_match.h"
+#include "search/name_table.h"
 
 namespace kestrel {
 
@@ -16,10 +18,12 @@ namespace {
 
 // The pseudo-class the model files free functions and variables under.
 constexpr std::u16string_view kFileLevelClass = u"Globals";
+constexpr NameTable::Id kNoContainer = UINT32_MAX;
+constexpr int32_t kNoMatch = INT32_MIN;
 
 struct Record {
-    uint32_t nameAt, nameLength;
-    uint32_t containerAt, containerLength;
+    NameTable::Id name;
+    NameTable::Id container;  // kNoContainer for a class and at file level
     uint32_t paramsAt, paramsLength;
     int32_t line;
     int16_t scope;
@@ -53,36 +57,27 @@ std::pair<std::u16string_view, std::u16string_view> SplitQuery(std::u16string_vi
 
 }  // namespace
 
+class SymbolIndex::Names : public NameTable {};
+
 struct SymbolIndex::FileSymbols {
     std::u16string name;
-    std::u16string texts;
+    std::u16string params;  // the records' parameter texts, one after another
     std::vector<Record> records;
-    std::vector<uint64_t> masks;  // UnitMask of each record's name
-
-    std::u16string_view Text(uint32_t at, uint32_t length) const { return {texts.data() + at, length}; }
-    std::u16string_view Name(const Record& r) const { return Text(r.nameAt, r.nameLength); }
-    std::u16string_view Container(const Record& r) const { return Text(r.containerAt, r.containerLength); }
-
-    uint32_t Append(std::u16string_view text) {
-        const auto at = static_cast<uint32_t>(texts.size());
-        texts.append(text);
-        return at;
-    }
-    void Add(Record r) {
-        masks.push_back(UnitMask(Name(r)));
-        records.push_back(r);
-    }
 };
 
 struct SymbolIndex::Candidate {
     int32_t score;
     const FileSymbols* file;
     const Record* record;
+    const NameTable* names;
 
     // Whether this one ranks before `other`.
     bool Before(const Candidate& other) const {
         if (score != other.score) return score > other.score;
-        if (const int byName = CompareNames(file->Name(*record), other.file->Name(*other.record))) return byName < 0;
+        if (record->name != other.record->name) {
+            if (const int byName = CompareNames(names->Text(record->name), names->Text(other.record->name)))
+                return byName < 0;
+        }
         if (file != other.file) {
             if (const int byFile = file->name.compare(other.file->name)) return byFile < 0;
         }
@@ -90,14 +85,13 @@ struct SymbolIndex::Candidate {
     }
 };
 
-SymbolIndex::SymbolIndex() = default;
+SymbolIndex::SymbolIndex() : names_(std::make_unique<Names>()) {}
 SymbolIndex::~SymbolIndex() = default;
 
 void SymbolIndex::Rebuild(clsAllFiles& files) {
-    bySlot_.clear();
-    freeSlots_.clear();
-    slotOfFile_.clear();
-    symbols_ = 0;
+    std::vector<std::u16string> indexed;
+    for (const auto& entry : slotOfFile_) indexed.push_back(entry.first);
+    for (const auto& name : indexed) RemoveFile(name);
     for (const FilePtr& file : files.Files()) UpdateFile(*file);
 }
 
@@ -106,38 +100,35 @@ void SymbolIndex::UpdateFile(clsOneFile& file) {
     symbols->name = file.FileName();
     for (const ClassPtr& classObj : file.Classes()) {
         const bool fileLevel = classObj->Name == kFileLevelClass;
-        const uint32_t containerAt = symbols->Append(fileLevel ? std::u16string_view() : classObj->Name);
-        const auto containerLength = static_cast<uint32_t>(fileLevel ? 0 : classObj->Name.size());
+        const NameTable::Id container = fileLevel ? kNoContainer : names_->Take(classObj->Name, NameTable::Use::SymbolName);
         // A class has no line of its own in the model: it is shown at its first member,
         // or at the end of its body when it has none.
         int32_t firstLine = INT32_MAX;
         for (const bool functions : {false, true}) {
             classObj->ForEachForSaving(functions, [&](const clsOneItem& item) {
                 Record r{};
-                r.nameAt = symbols->Append(item.Name());
-                r.nameLength = static_cast<uint32_t>(item.Name().size());
-                r.containerAt = containerAt;
-                r.containerLength = containerLength;
-                r.paramsAt = symbols->Append(item.Params());
+                r.name = names_->Take(item.Name(), NameTable::Use::SymbolName);
+                r.container = fileLevel ? kNoContainer : names_->Take(classObj->Name, NameTable::Use::Container);
+                r.paramsAt = static_cast<uint32_t>(symbols->params.size());
                 r.paramsLength = static_cast<uint32_t>(item.Params().size());
+                symbols->params.append(item.Params());
                 r.line = item.Line;
                 r.scope = static_cast<int16_t>(item.Scope);
                 r.kind = functions ? SymbolKind::Function : SymbolKind::Variable;
-                symbols->Add(r);
+                symbols->records.push_back(r);
                 firstLine = std::min(firstLine, item.Line);
             });
         }
         if (fileLevel) continue;
         Record r{};
-        r.nameAt = containerAt;
-        r.nameLength = containerLength;
+        r.name = container;
+        r.container = kNoContainer;
         r.line = firstLine == INT32_MAX ? classObj->EndLine : firstLine;
         r.kind = SymbolKind::Class;
-        symbols->Add(r);
+        symbols->records.push_back(r);
     }
-    symbols->texts.shrink_to_fit();
+    symbols->params.shrink_to_fit();
     symbols->records.shrink_to_fit();
-    symbols->masks.shrink_to_fit();
 
     RemoveFile(symbols->name);
     symbols_ += symbols->records.size();
@@ -156,7 +147,12 @@ void SymbolIndex::UpdateFile(clsOneFile& file) {
 bool SymbolIndex::RemoveFile(const std::u16string& fileName) {
     const auto found = slotOfFile_.find(fileName);
     if (found == slotOfFile_.end()) return false;
-    symbols_ -= bySlot_[found->second]->records.size();
+    const FileSymbols& symbols = *bySlot_[found->second];
+    for (const Record& r : symbols.records) {
+        names_->Release(r.name, NameTable::Use::SymbolName);
+        if (r.container != kNoContainer) names_->Release(r.container, NameTable::Use::Container);
+    }
+    symbols_ -= symbols.records.size();
     bySlot_[found->second].reset();
     freeSlots_.push_back(found->second);
     slotOfFile_.erase(found);
@@ -166,9 +162,38 @@ bool SymbolIndex::RemoveFile(const std::u16string& fileName) {
 std::vector<SymbolHit> SymbolIndex::Find(const SymbolQuery& query) const {
     bool qualified = false;
     const auto [containerText, nameText] = SplitQuery(query.text, qualified);
-    const FuzzyQuery name(nameText);
-    const FuzzyQuery container(containerText);
-    const uint64_t needed = name.Mask();
+
+    // Each distinct name is scored once; the symbols then look their names' scores up.
+    auto scoreNames = [&](const FuzzyQuery& fuzzy) {
+        std::vector<int32_t> scores(names_->Bound(), kNoMatch);
+        const uint64_t needed = fuzzy.Mask();
+        for (NameTable::Id id = 0; id < scores.size(); ++id) {
+            if ((names_->Mask(id) & needed) != needed || !names_->Live(id)) continue;
+            if (const auto score = fuzzy.ScoreFolded(names_->Text(id), names_->Folded(id))) scores[id] = *score;
+        }
+        return scores;
+    };
+    const std::vector<int32_t> nameScores = scoreNames(FuzzyQuery(nameText));
+    const std::vector<int32_t> containerScores = qualified ? scoreNames(FuzzyQuery(containerText)) : std::vector<int32_t>();
+
+    // Without filters, the symbols that can make the list are known from the names
+    // alone: the best-scoring names, taken until they bear `limit` symbols, set the
+    // least score worth looking at.
+    int32_t least = kNoMatch;
+    if (query.limit != 0 && !query.kind && !query.scope && !qualified) {
+        std::vector<std::pair<int32_t, uint32_t>> matched;  // score, symbols named so
+        for (NameTable::Id id = 0; id < nameScores.size(); ++id)
+            if (nameScores[id] != kNoMatch) matched.emplace_back(nameScores[id], names_->Symbols(id));
+        std::sort(matched.begin(), matched.end(), std::greater<>());
+        size_t symbols = 0;
+        for (const auto& [score, count] : matched) {
+            symbols += count;
+            if (symbols >= query.limit) {
+                least = score;
+                break;
+            }
+        }
+    }
 
     // The best `limit` so far, the worst of them on top, to be pushed out.
     auto worseFirst = [](const Candidate& a, const Candidate& b) { return a.Before(b); };
@@ -177,21 +202,16 @@ std::vector<SymbolHit> SymbolIndex::Find(const SymbolQuery& query) const {
 
     for (const auto& file : bySlot_) {
         if (!file) continue;
-        const size_t count = file->records.size();
-        for (size_t i = 0; i < count; ++i) {
-            if ((file->masks[i] & needed) != needed) continue;
-            const Record& r = file->records[i];
+        for (const Record& r : file->records) {
+            int32_t score = nameScores[r.name];
+            if (score < least || score == kNoMatch) continue;
             if (query.kind && r.kind != *query.kind) continue;
             if (query.scope && (r.kind == SymbolKind::Class || r.scope != *query.scope)) continue;
-            const auto nameScore = name.Score(file->Name(r));
-            if (!nameScore) continue;
-            Candidate c{*nameScore, file.get(), &r};
             if (qualified) {
-                if (r.containerLength == 0) continue;
-                const auto containerScore = container.Score(file->Container(r));
-                if (!containerScore) continue;
-                c.score += *containerScore / 2;
+                if (r.container == kNoContainer || containerScores[r.container] == kNoMatch) continue;
+                score += containerScores[r.container] / 2;
             }
+            const Candidate c{score, file.get(), &r, names_.get()};
             if (query.limit == 0) {
                 all.push_back(c);
             } else if (best.size() < query.limit) {
@@ -213,14 +233,13 @@ std::vector<SymbolHit> SymbolIndex::Find(const SymbolQuery& query) const {
     for (const Candidate& c : all) {
         const Record& r = *c.record;
         SymbolHit hit;
-        hit.name = c.file->Name(r);
+        hit.name = names_->Text(r.name);
         hit.kind = r.kind;
         hit.scope = r.scope;
-        hit.container = c.file->Container(r);
-        if (r.kind == SymbolKind::Class) hit.container.clear();
+        if (r.container != kNoContainer) hit.container = names_->Text(r.container);
         hit.file = c.file->name;
         hit.line = r.line;
-        hit.params = c.file->Text(r.paramsAt, r.paramsLength);
+        hit.params = std::u16string_view(c.file->params).substr(r.paramsAt, r.paramsLength);
         hit.score = c.score;
         hits.push_back(std::move(hit));
     }
@@ -228,11 +247,12 @@ std::vector<SymbolHit> SymbolIndex::Find(const SymbolQuery& query) const {
 }
 
 size_t SymbolIndex::MemoryBytes() const {
-    size_t bytes = bySlot_.capacity() * sizeof(bySlot_[0]) + freeSlots_.capacity() * sizeof(size_t);
+    size_t bytes = names_->MemoryBytes() + bySlot_.capacity() * sizeof(bySlot_[0]) +
+                   freeSlots_.capacity() * sizeof(size_t);
     for (const auto& file : bySlot_) {
         if (!file) continue;
-        bytes += sizeof(FileSymbols) + (file->name.capacity() + file->texts.capacity()) * sizeof(char16_t) +
-                 file->records.capacity() * sizeof(Record) + file->masks.capacity() * sizeof(uint64_t);
+        bytes += sizeof(FileSymbols) + (file->name.capacity() + file->params.capacity()) * sizeof(char16_t) +
+                 file->records.capacity() * sizeof(Record);
         // The map's node: the key's text and two pointers' worth of links.
         bytes += file->name.capacity() * sizeof(char16_t) + 4 * sizeof(void*);
     }

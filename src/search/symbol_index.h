@@ -67,6 +67,8 @@ public:
 private:
     struct FileSymbols;
     struct Candidate;
+    class Names;
+    std::unique_ptr<Names> names_;
     std::vector<std::unique_ptr<FileSymbols>> bySlot_;
     std::vector<size_t> freeSlots_;
     std::unordered_map<std::u16string, size_t> slotOfFile_;

@@ -139,3 +139,41 @@ TEST_F(IndexFixture, FileByFileUpdatesMatchAFullRebuild) {
     sameAsRebuilt();
     EXPECT_EQ(index.FileCount(), 3u);
 }
+
+TEST(SymbolIndexRanking, ALimitedQueryGivesTheHeadOfTheFullRanking) {
+    // Limited queries skip every symbol whose name cannot make the list; the full
+    // ranking, which skips nothing, must begin with exactly what they give.
+    test::RecordedFiles<> project;
+    test::ScratchDir scratch;
+    project.sink->ProjectDir = FromUtf8(scratch.path().string() + "/");
+    const char* members[] = {"Area", "area", "Draw", "drawAll", "DrawArea", "redraw", "size", "Size", "resize", "count"};
+    for (int f = 0; f < 12; ++f) {
+        std::string text = "class Shape" + std::to_string(f % 4) + "\n{\npublic:\n";
+        for (int m = 0; m < 10; ++m)
+            if ((m + f) % 3 != 0) text += "    int " + std::string(members[(m + f) % 10]) + "(int a" + std::to_string(m) + ");\n";
+        text += "    int area" + std::to_string(f) + "x();\n";  // a name of one symbol only
+        text += "private:\n    int " + std::string(members[f % 10]) + "_;\n};\nint g_" + members[(f * 7) % 10] + ";\n";
+        const std::string name = "f" + std::to_string(f) + ".h";
+        test::WriteFileBytes(scratch.path() / name, text);
+        project.files->Add(FromUtf8((scratch.path() / name).string()), FILETYPE_DEFINITION);
+    }
+    SymbolIndex index;
+    index.Rebuild(*project.files);
+    auto key = [](const SymbolHit& h) {
+        return ToUtf8(h.container + u"::" + h.name + h.params + u" " + h.file) + ":" + std::to_string(h.line);
+    };
+    for (const char16_t* text : {u"a", u"ar", u"dr", u"draw", u"sz", u"e", u"", u"count"}) {
+        SymbolQuery all;
+        all.text = text;
+        all.limit = 0;
+        const auto full = index.Find(all);
+        for (size_t limit : {1, 3, 7, 40}) {
+            SymbolQuery some = all;
+            some.limit = limit;
+            const auto head = index.Find(some);
+            ASSERT_EQ(head.size(), std::min(limit, full.size()));
+            for (size_t i = 0; i < head.size(); ++i)
+                EXPECT_EQ(key(head[i]), key(full[i])) << ToUtf8(text) << " limit " << limit << " at " << i;
+        }
+    }
+}
