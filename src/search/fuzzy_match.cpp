@@ -89,9 +89,6 @@ std::optional<int32_t> FuzzyQuery::ScoreFolded(std::u16string_view name, std::u1
     // further one; a gap before the first unit costs nothing. Rows are kept whole only
     // when the positions are asked for.
     thread_local std::vector<int32_t> rows;
-    thread_local std::vector<int32_t> bonus;
-    bonus.resize(n);
-    for (size_t j = 0; j < n; ++j) bonus[j] = BonusAt(name, j);
     const size_t kept = positions ? m : 2;
     rows.assign(kept * n, kUnmatched);
     auto row = [&](size_t i) { return rows.data() + (i % kept) * n; };
@@ -99,7 +96,7 @@ std::optional<int32_t> FuzzyQuery::ScoreFolded(std::u16string_view name, std::u1
     int32_t* first = row(0);
     for (size_t j = 0; j < n; ++j) {
         if (folded[j] != folded_[0]) continue;
-        first[j] = kMatch + bonus[j] * kFirstUnitFactor + (j == 0 ? kPrefix : 0);
+        first[j] = kMatch + BonusAt(name, j) * kFirstUnitFactor + (j == 0 ? kPrefix : 0);
     }
     for (size_t i = 1; i < m; ++i) {
         const int32_t* before = row(i - 1);
@@ -110,7 +107,7 @@ std::optional<int32_t> FuzzyQuery::ScoreFolded(std::u16string_view name, std::u1
             current[j] = kUnmatched;
             if (j == 0 || folded[j] != folded_[i]) continue;
             const int32_t reach = std::max(before[j - 1] + kConsecutive, afterGap);
-            if (reach > kUnmatched / 2) current[j] = reach + kMatch + bonus[j];
+            if (reach > kUnmatched / 2) current[j] = reach + kMatch + BonusAt(name, j);
         }
     }
     const int32_t* last = row(m - 1);
@@ -125,7 +122,7 @@ std::optional<int32_t> FuzzyQuery::ScoreFolded(std::u16string_view name, std::u1
             (*positions)[i] = static_cast<uint32_t>(j);
             if (i == 0) break;
             const int32_t* before = row(i - 1);
-            const int32_t need = row(i)[j] - kMatch - bonus[j];
+            const int32_t need = row(i)[j] - kMatch - BonusAt(name, j);
             if (before[j - 1] + kConsecutive == need) {
                 --j;
                 continue;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <functional>
 #include <queue>
 
 #include "model/all_files.h"
@@ -181,16 +180,24 @@ std::vector<SymbolHit> SymbolIndex::Find(const SymbolQuery& query) const {
     // least score worth looking at.
     int32_t least = kNoMatch;
     if (query.limit != 0 && !query.kind && !query.scope && !qualified) {
-        std::vector<std::pair<int32_t, uint32_t>> matched;  // score, symbols named so
-        for (NameTable::Id id = 0; id < nameScores.size(); ++id)
-            if (nameScores[id] != kNoMatch) matched.emplace_back(nameScores[id], names_->Symbols(id));
-        std::sort(matched.begin(), matched.end(), std::greater<>());
-        size_t symbols = 0;
-        for (const auto& [score, count] : matched) {
-            symbols += count;
-            if (symbols >= query.limit) {
-                least = score;
-                break;
+        // Symbols per score, counted from the best score down.
+        int32_t low = INT32_MAX, high = INT32_MIN;
+        for (const int32_t score : nameScores) {
+            if (score == kNoMatch) continue;
+            low = std::min(low, score);
+            high = std::max(high, score);
+        }
+        if (low <= high) {
+            std::vector<size_t> symbolsAt(static_cast<size_t>(int64_t{high} - low) + 1);
+            for (NameTable::Id id = 0; id < nameScores.size(); ++id)
+                if (nameScores[id] != kNoMatch) symbolsAt[static_cast<size_t>(nameScores[id] - low)] += names_->Symbols(id);
+            size_t symbols = 0;
+            for (size_t at = symbolsAt.size(); at-- > 0;) {
+                symbols += symbolsAt[at];
+                if (symbols >= query.limit) {
+                    least = static_cast<int32_t>(low + static_cast<int32_t>(at));
+                    break;
+                }
             }
         }
     }
