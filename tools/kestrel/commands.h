@@ -25,5 +25,7 @@ int RunWhere(int argc, char** argv);
 void WhereHelp(std::ostream& out);
 int RunFind(int argc, char** argv);
 void FindHelp(std::ostream& out);
+int RunSymbols(int argc, char** argv);
+void SymbolsHelp(std::ostream& out);
 
 }  // namespace kestrel::cli

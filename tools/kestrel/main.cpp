@@ -25,6 +25,7 @@ const Command kCommands[] = {
     {"dump", kestrel::cli::RunDump, kestrel::cli::DumpHelp, "print every field a project file holds"},
     {"where", kestrel::cli::RunWhere, kestrel::cli::WhereHelp, "name the function that holds a line of a file"},
     {"find", kestrel::cli::RunFind, kestrel::cli::FindHelp, "find a class, a function or a class's user data"},
+    {"symbols", kestrel::cli::RunSymbols, kestrel::cli::SymbolsHelp, "find symbols by a typed, fuzzy query, best first"},
 };
 
 void Usage(std::ostream& out) {
