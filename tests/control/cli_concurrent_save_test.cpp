@@ -105,7 +105,7 @@ TEST_F(CliConcurrentSave, TwoWritersAtOnceLoseNothing) {
     for (int trial = 0; trial < kTrials; ++trial)
         for (const char* stem : {"a", "b"})
             lost += tree.out.find("    " + (stem + std::to_string(trial)) + ".h\n") == std::string::npos;
-    EXPECT_EQ(lost, 0) << tree.out;
+    EXPECT_EQ(lost, 0);
 }
 
 TEST_F(CliConcurrentSave, AWriterWaitsForTheLockThenGivesUpNamingTheProject) {
@@ -120,7 +120,7 @@ TEST_F(CliConcurrentSave, AWriterWaitsForTheLockThenGivesUpNamingTheProject) {
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.err, "kestrel: big.kpr: another program is writing this project; gave up after 1 s "
                            "(--wait SECONDS waits longer)\n");
-    EXPECT_EQ(ReadFileBytes(dir / "big.kpr"), before);
+    EXPECT_TRUE(ReadFileBytes(dir / "big.kpr") == before);
     // Readers need no lock.
     EXPECT_EQ(Kestrel("dump big.kpr").status, 0);
     // A writer that waits long enough goes on once the lock is let go.
@@ -175,7 +175,7 @@ TEST_F(CliConcurrentSave, WithoutUnnamedFilesANamedTemporaryServesAndAKilledOneG
     const std::string temporary = KillWhileWriting({.withoutUnnamedFiles = true}, random);
     ASSERT_TRUE(temporary.starts_with(".kestrel-save-")) << temporary;
     EXPECT_TRUE(fs::exists(dir / temporary));
-    EXPECT_EQ(ReadFileBytes(dir / "big.kpr"), oldProject);
+    EXPECT_TRUE(ReadFileBytes(dir / "big.kpr") == oldProject);
     // A temporary of a process that still runs (this one) is not touched.
     const std::string live = ".kestrel-save-" + std::to_string(::getpid()) + "-0";
     WriteFileBytes(dir / live, "in the making");
@@ -189,7 +189,7 @@ TEST_F(CliConcurrentSave, WithoutUnnamedFilesANamedTemporaryServesAndAKilledOneG
     const std::string viaTemporary = ReadFileBytes(dir / "big.kpr");
     WriteFileBytes(dir / "big.kpr", oldProject);
     ASSERT_EQ(Kestrel("add big.kpr extra.h").status, 0);
-    EXPECT_EQ(ReadFileBytes(dir / "big.kpr"), viaTemporary);
+    EXPECT_TRUE(ReadFileBytes(dir / "big.kpr") == viaTemporary);
 }
 
 }  // namespace

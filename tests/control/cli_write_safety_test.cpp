@@ -95,8 +95,11 @@ TEST_F(CliWriteSafety, ASaveWritesThroughSymbolicLinks) {
     EXPECT_TRUE(fs::is_symlink(dir / "new.kpr"));
     EXPECT_EQ(Outline("store/q.kpr"), "file \"../src/a.h\"\n  class \"A\"\n");
     ASSERT_EQ(Kestrel("update other/chain.kpr").status, 0);
-    fs::create_symlink("../store/q.kpr", dir / "src" / "q.kpr");
-    ASSERT_EQ(Kestrel("update src/q.kpr").status, 0);
+    fs::create_directories(dir / "deep" / "er");
+    fs::create_symlink("../../store/q.kpr", dir / "deep" / "er" / "q.kpr");
+    Outcome deep = Kestrel("update deep/er/q.kpr");
+    EXPECT_EQ(deep.status, 0) << deep.err;
+    EXPECT_EQ(Outline("store/q.kpr"), "file \"../src/a.h\"\n  class \"A\"\n");
     EXPECT_EQ(std::distance(fs::directory_iterator(dir / "store"), {}), 2);
 }
 
