@@ -120,8 +120,12 @@ bool FileReplacement::Open(const std::string& target) {
         Abandon();
         return false;
     }
-    // The new file takes the place of the old one, and its permissions with it.
-    if (exists) (void)::fchmod(fd_, existing.st_mode & 07777);
+    // The new file takes the place of the old one, and its permissions with it; its
+    // owner too where that is allowed (the superuser saving someone's project).
+    if (exists) {
+        (void)::fchown(fd_, existing.st_uid, existing.st_gid);
+        (void)::fchmod(fd_, existing.st_mode & 07777);
+    }
     return true;
 }
 

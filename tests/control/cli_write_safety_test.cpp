@@ -7,6 +7,7 @@
 #include <fstream>
 #include <string>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -101,6 +102,23 @@ TEST_F(CliWriteSafety, ASaveWritesThroughSymbolicLinks) {
     EXPECT_EQ(deep.status, 0) << deep.err;
     EXPECT_EQ(Outline("store/q.kpr"), "file \"../src/a.h\"\n  class \"A\"\n");
     EXPECT_EQ(std::distance(fs::directory_iterator(dir / "store"), {}), 2);
+}
+
+TEST_F(CliWriteSafety, ASaveKeepsTheModeAndTheOwnerOfTheFileItReplaces) {
+    Source("a.h", "class A {\npublic:\n    void Run();\n};\n");
+    ASSERT_EQ(Kestrel("new p.kpr a.h").status, 0);
+    ASSERT_EQ(::chmod((dir / "p.kpr").c_str(), 0640), 0);
+    const bool superuser = ::geteuid() == 0;  // only the superuser can give a file away
+    if (superuser) {
+        ASSERT_EQ(::chown((dir / "p.kpr").c_str(), 65534, 65534), 0);
+    }
+    ASSERT_EQ(Kestrel("update p.kpr").status, 0);
+    struct stat info {};
+    ASSERT_EQ(::stat((dir / "p.kpr").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0640u);
+    if (superuser) {
+        EXPECT_EQ(info.st_uid, 65534u);
+    }
 }
 
 TEST_F(CliWriteSafety, AProjectNotReadWholeIsNotSavedOverUnlessForced) {
