@@ -24,10 +24,13 @@ std::string TemporaryName(int attempt) {
     return std::string(kTemporaryPrefix) + std::to_string(::getpid()) + "-" + std::to_string(attempt);
 }
 
-// The process that made the temporary `name`, or 0 when the name is no temporary.
-pid_t MakerOf(std::string_view name) {
-    if (!name.starts_with(kTemporaryPrefix)) return 0;
-    name.remove_prefix(kTemporaryPrefix.size());
+// The process that made the temporary `name`, or 0 when the name is no temporary:
+// ".kestrel-save-PID-N", or TARGET.tmpPID-N as saves of TARGET named them before.
+pid_t MakerOf(std::string_view name, std::string_view target) {
+    const std::string earlier = std::string(target) + ".tmp";
+    if (name.starts_with(kTemporaryPrefix)) name.remove_prefix(kTemporaryPrefix.size());
+    else if (name.starts_with(earlier)) name.remove_prefix(earlier.size());
+    else return 0;
     const size_t dash = name.find('-');
     auto digits = [](std::string_view s) { return !s.empty() && s.find_first_not_of("0123456789") == std::string_view::npos; };
     if (dash == std::string_view::npos || !digits(name.substr(0, dash)) || !digits(name.substr(dash + 1)) || dash > 9)
@@ -38,7 +41,7 @@ pid_t MakerOf(std::string_view name) {
 // Removes the temporaries of processes that no longer run. One that a process of
 // another pid namespace is still writing may look dead from here; its save then
 // fails at the rename and leaves its old file, which is safe.
-void RemoveStaleTemporaries(int folderFd) {
+void RemoveStaleTemporaries(int folderFd, std::string_view target) {
     const int listFd = ::openat(folderFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (listFd < 0) return;
     DIR* list = ::fdopendir(listFd);
@@ -47,7 +50,7 @@ void RemoveStaleTemporaries(int folderFd) {
         return;
     }
     while (const dirent* entry = ::readdir(list)) {
-        const pid_t maker = MakerOf(entry->d_name);
+        const pid_t maker = MakerOf(entry->d_name, target);
         if (maker > 0 && ::kill(maker, 0) != 0 && errno == ESRCH) ::unlinkat(folderFd, entry->d_name, 0);
     }
     ::closedir(list);
@@ -99,7 +102,7 @@ bool FileReplacement::Open(const std::string& target) {
     }
     folderFd_ = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folderFd_ < 0) return false;
-    RemoveStaleTemporaries(folderFd_);
+    RemoveStaleTemporaries(folderFd_, fs::path(target_).filename().string());
 #ifdef O_TMPFILE
     fd_ = ::openat(folderFd_, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
     // Without /proc the unnamed file could not be named later.

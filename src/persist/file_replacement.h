@@ -9,7 +9,8 @@
 //
 // Temporaries are named ".kestrel-save-PID-N". Each new replacement removes those of
 // processes that no longer run from its folder, so whatever a kill left behind goes
-// with the next save there. A symbolic link is written through: its target is
+// with the next save there; so do the target's own TARGET.tmpPID-N, as saves named
+// their temporaries before. A symbolic link is written through: its target is
 // replaced and the link stays.
 #include <string>
 

@@ -176,15 +176,26 @@ TEST_F(CliConcurrentSave, WithoutUnnamedFilesANamedTemporaryServesAndAKilledOneG
     ASSERT_TRUE(temporary.starts_with(".kestrel-save-")) << temporary;
     EXPECT_TRUE(fs::exists(dir / temporary));
     EXPECT_TRUE(ReadFileBytes(dir / "big.kpr") == oldProject);
-    // A temporary of a process that still runs (this one) is not touched.
+    // A temporary of a process that still runs (this one) is not touched; those that
+    // earlier saves named after the project go when their process is gone.
     const std::string live = ".kestrel-save-" + std::to_string(::getpid()) + "-0";
     WriteFileBytes(dir / live, "in the making");
+    const pid_t gone = ::fork();
+    if (gone == 0) ::_exit(0);
+    WaitFor(gone);
+    const std::string earlier = "big.kpr.tmp" + std::to_string(gone) + "-1";
+    WriteFileBytes(dir / earlier, "left by a kill");
+    const std::string others = "other.kpr.tmp" + std::to_string(gone) + "-1";
+    WriteFileBytes(dir / others, "not this project's");
     // The next save in the folder removes what the dead one left, and saves as ever.
     const pid_t pid = SpawnKestrel(dir, {"add", "big.kpr", "extra.h"}, {.withoutUnnamedFiles = true});
     ASSERT_EQ(WaitFor(pid), 0);
     EXPECT_FALSE(fs::exists(dir / temporary));
+    EXPECT_FALSE(fs::exists(dir / earlier));
     EXPECT_EQ(ReadFileBytes(dir / live), "in the making");
     fs::remove(dir / live);
+    EXPECT_TRUE(fs::exists(dir / others));
+    fs::remove(dir / others);
     EXPECT_EQ(Entries(dir), entries);
     const std::string viaTemporary = ReadFileBytes(dir / "big.kpr");
     WriteFileBytes(dir / "big.kpr", oldProject);
