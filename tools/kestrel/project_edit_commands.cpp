@@ -164,18 +164,20 @@ int Add(const std::vector<std::string>& args) {
 }
 
 int Remove(const std::vector<std::string>& args) {
-    if (args.empty() || args[0].starts_with("-")) throw UsageError(args.empty() ? "no PROJECT given" : "unknown option '" + args[0] + "'");
     WriteOptions write;
+    std::string project;
     std::vector<std::string> names;
-    for (size_t i = 1; i < args.size(); ++i) {
+    for (size_t i = 0; i < args.size(); ++i) {
         if (TakeWriteOption(args, i, write)) continue;
         if (args[i].starts_with("-")) throw UsageError("unknown option '" + args[i] + "'");
-        names.push_back(args[i]);
+        if (project.empty()) project = args[i];
+        else names.push_back(args[i]);
     }
-    ProjectLock lock(args[0], write.waitSeconds);
+    if (project.empty()) throw UsageError("no PROJECT given");
+    ProjectLock lock(project, write.waitSeconds);
     ProjectSession session(ProjectSession::Kind::Headless);
-    session.Load(args[0]);
-    RefuseToSaveOverDamage(session, args[0], write);
+    session.Load(project);
+    RefuseToSaveOverDamage(session, project, write);
     AllFilesPtr all = session.Files();
     std::vector<std::u16string> keys;
     for (const std::string& name : names) {
@@ -189,22 +191,24 @@ int Remove(const std::vector<std::string>& args) {
 }
 
 int Update(const std::vector<std::string>& args) {
-    if (args.empty() || args[0].starts_with("-")) throw UsageError("no PROJECT given");
     std::optional<int32_t> jobs;
     WriteOptions write;
-    for (size_t i = 1; i < args.size(); ++i) {
+    std::string project;
+    for (size_t i = 0; i < args.size(); ++i) {
         if (TakeWriteOption(args, i, write)) continue;
-        if (args[i] != "--jobs") throw UsageError("unexpected argument '" + args[i] + "'");
-        jobs = ParseJobs(OptionValue(args, i));
+        if (args[i] == "--jobs") jobs = ParseJobs(OptionValue(args, i));
+        else if (project.empty() && !args[i].starts_with("-")) project = args[i];
+        else throw UsageError("unexpected argument '" + args[i] + "'");
     }
-    ProjectLock lock(args[0], write.waitSeconds);
+    if (project.empty()) throw UsageError("no PROJECT given");
+    ProjectLock lock(project, write.waitSeconds);
     ProjectSession session(ProjectSession::Kind::Headless);
-    session.Load(args[0]);
-    RefuseToSaveOverDamage(session, args[0], write);
+    session.Load(project);
+    RefuseToSaveOverDamage(session, project, write);
     // A project moved without its sources would be saved empty.
     const ReadCheck check = ReportUnreadable(ProjectFiles(session));
     if (check.scanned > 0 && check.unreadable == check.scanned)
-        throw Failure(args[0], "none of its files can be read; nothing written");
+        throw Failure(project, "none of its files can be read; nothing written");
     UseJobs(session, jobs);
     session.SaveComplete();
     return Status(session, check.unreadable);
