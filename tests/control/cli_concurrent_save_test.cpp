@@ -41,14 +41,24 @@ std::set<std::string> Entries(const fs::path& folder) {
     return names;
 }
 
-// The file of `folder` other than `project` that the process has open, if any: the
-// new project file it is writing.
-std::string FileBeingWritten(pid_t pid, const fs::path& folder, const std::string& project) {
+// Whether the descriptor `fd` of process `pid` was opened for writing.
+bool OpenForWriting(pid_t pid, const std::string& fd) {
+    std::ifstream info("/proc/" + std::to_string(pid) + "/fdinfo/" + fd);
+    std::string field;
+    unsigned long flags = 0;
+    while (info >> field)
+        if (field == "flags:" && info >> std::oct >> flags) return (flags & O_ACCMODE) != O_RDONLY;
+    return false;
+}
+
+// The file in `folder` that the process has open for writing, if any: the new project
+// file it is writing.
+std::string FileBeingWritten(pid_t pid, const fs::path& folder) {
     std::error_code ec;
     for (const auto& fd : fs::directory_iterator("/proc/" + std::to_string(pid) + "/fd", ec)) {
         std::error_code unreadable;
         const fs::path target = fs::read_symlink(fd.path(), unreadable);
-        if (!unreadable && target.parent_path() == folder && target.filename() != project)
+        if (!unreadable && target.parent_path() == folder && OpenForWriting(pid, fd.path().filename().string()))
             return target.filename().string();
     }
     return {};
@@ -74,7 +84,7 @@ protected:
         const pid_t pid = SpawnKestrel(dir, {"add", "big.kpr", "extra.h"}, options);
         std::string writing;
         int raw = 0;
-        while (writing.empty() && ::waitpid(pid, &raw, WNOHANG) == 0) writing = FileBeingWritten(pid, dir, "big.kpr");
+        while (writing.empty() && ::waitpid(pid, &raw, WNOHANG) == 0) writing = FileBeingWritten(pid, dir);
         if (!writing.empty()) {
             std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
             ::kill(pid, SIGKILL);
