@@ -41,43 +41,40 @@ bool clsBinaryFile::OpenFile(const std::u16string& szFileName, bool OpenForWrite
     return IsOpen();
 }
 
-std::u16string clsBinaryFile::OpenTemporaryBeside(const std::u16string& besideName) {
+bool clsBinaryFile::OpenReplacement(const std::u16string& name) {
     if (IsOpen()) CloseFile();
-    std::string beside = ToUtf8(besideName);
-    struct stat existing {};
-    bool keepMode = ::stat(beside.c_str(), &existing) == 0;
-    // The temporary replaces the file by a rename, which a read-only file would not
-    // stop; refuse it as writing the file in place would. The mode bits count too,
-    // because access() lets the superuser write anything.
-    if (keepMode && S_ISREG(existing.st_mode) &&
-        (::access(beside.c_str(), W_OK) != 0 || (existing.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0)) {
-        return {};
-    }
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        std::string name = beside + ".tmp" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
-        int fd = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (fd < 0) {
-            if (errno == EEXIST) continue;
-            return {};
-        }
-        // The renamed file should keep the permissions the project file had.
-        if (keepMode) (void)::fchmod(fd, existing.st_mode & 07777);
-        fd_ = fd;
-        fileSize_ = 0;
-        writing_ = true;
-        hitEnd_ = false;
-        writeFailed_ = false;
-        buffer_.clear();
-        bufferPos_ = 0;
-        return FromUtf8(name);
-    }
-    return {};
+    if (!replacement_.Open(ToUtf8(name))) return false;
+    fd_ = replacement_.Descriptor();
+    fileSize_ = 0;
+    writing_ = true;
+    hitEnd_ = false;
+    writeFailed_ = false;
+    buffer_.clear();
+    bufferPos_ = 0;
+    return true;
+}
+
+bool clsBinaryFile::CommitReplacement() {
+    if (!IsOpen() || replacement_.Descriptor() != fd_) return false;
+    // Commit closes the file whatever it answers.
+    if (!Flush() || !replacement_.Commit()) writeFailed_ = true;
+    const int error = errno;  // the reason of a failure, for the caller
+    replacement_.Abandon();
+    errno = error;
+    fd_ = -1;
+    buffer_.clear();
+    bufferPos_ = 0;
+    return !writeFailed_;
 }
 
 bool clsBinaryFile::CloseFile() {
     if (!IsOpen()) return !writeFailed_;
-    if (writing_) Flush();
-    if (::close(fd_) != 0 && writing_) writeFailed_ = true;
+    if (replacement_.Descriptor() == fd_) {
+        replacement_.Abandon();  // not committed: the old file stays
+    } else {
+        if (writing_) Flush();
+        if (::close(fd_) != 0 && writing_) writeFailed_ = true;
+    }
     fd_ = -1;
     buffer_.clear();
     bufferPos_ = 0;

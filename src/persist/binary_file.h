@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "persist/file_replacement.h"
+
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -32,11 +34,16 @@ public:
     // For writing an existing file is emptied; for reading it must exist. The name is
     // UTF-8 encoded for the system. A handle already held is closed first.
     bool OpenFile(const std::u16string& szFileName, bool OpenForWrite);
-    // Creates a new, empty file beside `besideName` (same folder, unique name) and opens
-    // it for writing; answers its name, or "" on failure, also when `besideName` is a
-    // read-only file.
-    std::u16string OpenTemporaryBeside(const std::u16string& besideName);
+    // Starts writing a new version of the file `name` (through symbolic links), which
+    // takes the file's place only at CommitReplacement (see FileReplacement). False,
+    // errno set, when no new file can be made beside it, also when it is read-only.
+    bool OpenReplacement(const std::u16string& name);
+    // Writes what is buffered and puts the new version in place of the old file, on the
+    // disk, then closes; false when some write or the replacing failed, and the old
+    // file is then as it was.
+    bool CommitReplacement();
     // Writes what is buffered and closes; false when some write since opening failed.
+    // A replacement not committed is dropped.
     bool CloseFile();
     bool IsOpen() const { return fd_ >= 0; }
 
@@ -158,6 +165,7 @@ private:
     bool Flush();
 
     int fd_ = -1;
+    FileReplacement replacement_;  // open while a replacement is written through fd_
     bool writing_ = false;
     bool hitEnd_ = false;
     bool writeFailed_ = false;

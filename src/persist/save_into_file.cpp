@@ -3,7 +3,6 @@
 #include <cmath>
 #include <filesystem>
 #include <string>
-#include <unistd.h>
 
 #include "common/text.h"
 #include "errorlog/resume.h"
@@ -32,13 +31,9 @@ void KeepBackup(const std::u16string& name) {
     });
 }
 
-// Closes g_BinaryFile() however the routine ends, and drops an unfinished temporary.
+// Closes g_BinaryFile() however the routine ends; a save not finished is dropped.
 struct CloseOnExit {
-    std::u16string temporary;
-    ~CloseOnExit() {
-        g_BinaryFile().CloseFile();
-        if (!temporary.empty()) ::unlink(ToUtf8(temporary).c_str());
-    }
+    ~CloseOnExit() { g_BinaryFile().CloseFile(); }
 };
 
 }  // namespace
@@ -89,17 +84,14 @@ bool clsSaveIntoFile::Save(ProjectHost& ctl, clsAllFiles& files) {
         if (name.empty()) return;
 
         clsBinaryFile& out = g_BinaryFile();
-        CloseOnExit closer{out.OpenTemporaryBeside(name)};
-        if (closer.temporary.empty()) return;
+        CloseOnExit closer;
+        if (!out.OpenReplacement(name)) return;
         out.SaveString(kSignature);
         out.SaveNumeric(ctl.Language());
         out.SaveNumeric(ctl.ID());
         out.SaveNumeric(files.count());
         for (const FilePtr& f : files.Files()) SaveOneFile__(*f);
-        if (!out.CloseFile()) return;
-        if (::rename(ToUtf8(closer.temporary).c_str(), ToUtf8(name).c_str()) != 0) return;
-        closer.temporary.clear();
-        result = true;
+        result = out.CommitReplacement();
     });
     return result;
 }

@@ -12,8 +12,9 @@ namespace kestrel {
 class clsSaveIntoFile {
 public:
     // Writes `files` to ctl.FileName(), keeping a ".bak" copy when ctl.CreateBackup().
-    // The project is written to a new file beside it and renamed over it, so a failed
-    // save leaves the previous file in place. True when the project file was written.
+    // The project is written to a new file beside it and put in its place whole (see
+    // FileReplacement), so a failed or killed save leaves the previous file in place; a
+    // symbolic link is written through. True when the project file was written.
     bool Save(ProjectHost& ctl, clsAllFiles& files);
     // Reads a project file into `files` (which the caller has emptied) and sets the
     // host's Language, ID and FileName. False when the file is missing or refused.

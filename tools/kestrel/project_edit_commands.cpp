@@ -6,7 +6,9 @@
 #include "common/text.h"
 #include "file_list.h"
 #include "commands.h"
+#include "project_lock.h"
 #include "project_session.h"
+#include "write_safety.h"
 
 namespace kestrel::cli {
 
@@ -14,8 +16,10 @@ namespace {
 
 constexpr const char* kNewUsage =
     "usage: kestrel new PROJECT [--language L] [--id N] [--jobs N] [[--type T] FILE...]... [--files-from LIST]\n"
+    "                   [--force] [--wait SECONDS]\n"
     "Creates the project file PROJECT, adds every FILE (a folder adds its files of the\n"
     "project's language, recursively, in sorted order, skipping hidden folders) and saves.\n"
+    "An existing PROJECT that is not a kestrel project file is refused.\n"
     "  --language L      c (default), java, basic, or a language number\n"
     "  --id N            the project's identifier (default 0)\n"
     "  --type T          impl, def, form, noparse or 1 to 4, for the files after it;\n"
@@ -24,26 +28,34 @@ constexpr const char* kNewUsage =
     "                    anything else noparse)\n"
     "  --files-from LIST one path per line of LIST (- reads standard input)\n"
     "  --jobs N          scan on N threads (default: one per core); the project file\n"
-    "                    comes out the same for every N\n";
+    "                    comes out the same for every N\n"
+    "  --force           write over PROJECT even when it is no project (new), or was\n"
+    "                    not read whole (add, remove, update)\n"
+    "  --wait SECONDS    wait this long (default 10) while another program writes\n"
+    "                    PROJECT, then fail\n";
 
 constexpr const char* kAddUsage =
-    "usage: kestrel add PROJECT [--jobs N] [--type T] FILE... [--files-from LIST]\n"
-    "Loads PROJECT, adds and scans every FILE (folders as for kestrel new) and saves.\n";
+    "usage: kestrel add PROJECT [--jobs N] [--type T] FILE... [--files-from LIST] [--force] [--wait SECONDS]\n"
+    "Loads PROJECT, adds and scans every FILE (folders as for kestrel new) and saves.\n"
+    "A FILE that cannot be read is named, and the exit status is 1.\n";
 
 constexpr const char* kRemoveUsage =
-    "usage: kestrel remove PROJECT FILE...\n"
+    "usage: kestrel remove PROJECT FILE... [--force] [--wait SECONDS]\n"
     "Loads PROJECT, removes every FILE from it and saves. Nothing is written when a\n"
     "FILE is not in the project.\n";
 
 constexpr const char* kUpdateUsage =
-    "usage: kestrel update PROJECT [--jobs N]\n"
-    "Loads PROJECT, rescans every file from disk (on N threads, as for kestrel new) and saves.\n";
+    "usage: kestrel update PROJECT [--jobs N] [--force] [--wait SECONDS]\n"
+    "Loads PROJECT, rescans every file from disk (on N threads, as for kestrel new) and saves.\n"
+    "Each file that cannot be read is named, and the exit status is 1; when none can be\n"
+    "read, nothing is written.\n";
 
 struct ProjectArgs {
     std::string project;
     std::optional<int32_t> language;
     int32_t id = 0;
     std::optional<int32_t> jobs;
+    WriteOptions write;
     // Types and files in the order given: what a --type applies to depends on it.
     struct Step {
         enum Kind { Type, File, FilesFrom } kind;
@@ -79,6 +91,7 @@ ProjectArgs ParseProjectArgs(const std::vector<std::string>& args, bool creating
             parsed.steps.push_back({ProjectArgs::Step::Type, t});
         } else if (a == "--files-from") {
             parsed.steps.push_back({ProjectArgs::Step::FilesFrom, OptionValue(args, i)});
+        } else if (TakeWriteOption(args, i, parsed.write)) {
         } else if (a.size() > 1 && a[0] == '-') {
             throw UsageError("unknown option '" + a + "'");
         } else if (parsed.project.empty()) {
@@ -118,41 +131,59 @@ void AddFiles(ProjectSession& session, const std::vector<SourceFile>& files) {
     }
 }
 
-int Status(const ProjectSession& session) { return session.ErrorCount() == 0 ? 0 : 1; }
+int Status(const ProjectSession& session, size_t unreadable = 0) {
+    return session.ErrorCount() == 0 && unreadable == 0 ? 0 : 1;
+}
 
 int New(const std::vector<std::string>& args) {
     const ProjectArgs parsed = ParseProjectArgs(args, true);
     const int32_t language = parsed.language.value_or(LANGUAGE_C);
     const std::vector<SourceFile> files = GatherFiles(parsed, language);
+    ProjectLock lock(parsed.project, parsed.write.waitSeconds);
+    RefuseToWriteOverNonProject(parsed.project, parsed.write);
+    const size_t unreadable = ReportUnreadable(files).unreadable;
     ProjectSession session(ProjectSession::Kind::Headless);
     session.NewProject(parsed.project, language, parsed.id);
     UseJobs(session, parsed.jobs);
     AddFiles(session, files);
     session.Save();
-    return Status(session);
+    return Status(session, unreadable);
 }
 
 int Add(const std::vector<std::string>& args) {
     const ProjectArgs parsed = ParseProjectArgs(args, false);
+    ProjectLock lock(parsed.project, parsed.write.waitSeconds);
     ProjectSession session(ProjectSession::Kind::Headless);
     session.Load(parsed.project);
+    RefuseToSaveOverDamage(session, parsed.project, parsed.write);
     UseJobs(session, parsed.jobs);
     const std::vector<SourceFile> files = GatherFiles(parsed, session.Language());
+    const size_t unreadable = ReportUnreadable(files).unreadable;
     AddFiles(session, files);
     session.Save();
-    return Status(session);
+    return Status(session, unreadable);
 }
 
 int Remove(const std::vector<std::string>& args) {
-    if (args.empty() || args[0].starts_with("-")) throw UsageError(args.empty() ? "no PROJECT given" : "unknown option '" + args[0] + "'");
+    WriteOptions write;
+    std::string project;
+    std::vector<std::string> names;
+    for (size_t i = 0; i < args.size(); ++i) {
+        if (TakeWriteOption(args, i, write)) continue;
+        if (args[i].starts_with("-")) throw UsageError("unknown option '" + args[i] + "'");
+        if (project.empty()) project = args[i];
+        else names.push_back(args[i]);
+    }
+    if (project.empty()) throw UsageError("no PROJECT given");
+    ProjectLock lock(project, write.waitSeconds);
     ProjectSession session(ProjectSession::Kind::Headless);
-    session.Load(args[0]);
+    session.Load(project);
+    RefuseToSaveOverDamage(session, project, write);
     AllFilesPtr all = session.Files();
     std::vector<std::u16string> keys;
-    for (size_t i = 1; i < args.size(); ++i) {
-        if (args[i].starts_with("-")) throw UsageError("unknown option '" + args[i] + "'");
-        std::u16string key = FromUtf8(AbsolutePath(args[i]));
-        if (!all->item(key)) throw Failure(args[i], "not in the project");
+    for (const std::string& name : names) {
+        std::u16string key = FromUtf8(AbsolutePath(name));
+        if (!all->item(key)) throw Failure(name, "not in the project");
         keys.push_back(key);
     }
     for (const std::u16string& key : keys) all->Remove(key);
@@ -161,17 +192,27 @@ int Remove(const std::vector<std::string>& args) {
 }
 
 int Update(const std::vector<std::string>& args) {
-    if (args.empty() || args[0].starts_with("-")) throw UsageError("no PROJECT given");
     std::optional<int32_t> jobs;
-    for (size_t i = 1; i < args.size(); ++i) {
-        if (args[i] != "--jobs") throw UsageError("unexpected argument '" + args[i] + "'");
-        jobs = ParseJobs(OptionValue(args, i));
+    WriteOptions write;
+    std::string project;
+    for (size_t i = 0; i < args.size(); ++i) {
+        if (TakeWriteOption(args, i, write)) continue;
+        if (args[i] == "--jobs") jobs = ParseJobs(OptionValue(args, i));
+        else if (project.empty() && !args[i].starts_with("-")) project = args[i];
+        else throw UsageError("unexpected argument '" + args[i] + "'");
     }
+    if (project.empty()) throw UsageError("no PROJECT given");
+    ProjectLock lock(project, write.waitSeconds);
     ProjectSession session(ProjectSession::Kind::Headless);
-    session.Load(args[0]);
+    session.Load(project);
+    RefuseToSaveOverDamage(session, project, write);
+    // A project moved without its sources would be saved empty.
+    const ReadCheck check = ReportUnreadable(ProjectFiles(session));
+    if (check.scanned > 0 && check.unreadable == check.scanned)
+        throw Failure(project, "none of its files can be read; nothing written");
     UseJobs(session, jobs);
     session.SaveComplete();
-    return Status(session);
+    return Status(session, check.unreadable);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "common/constants.h"
 #include "common/text.h"
 #include "language_names.h"
+#include "persist/file_replacement.h"
 
 namespace kestrel::cli {
 
@@ -61,12 +62,12 @@ int32_t ProjectSession::Language() {
 }
 
 void ProjectSession::NewProject(const std::string& projectPath, int32_t language, int32_t id) {
-    const std::u16string name = FromUtf8(AbsolutePath(projectPath));
+    const std::u16string name = FromUtf8(ProjectFilePath(projectPath));
     OnProject([&](auto& project) { project.NewProject(name, language, id); });
 }
 
 void ProjectSession::Load(const std::string& projectPath) {
-    const std::string path = AbsolutePath(projectPath);
+    const std::string path = ProjectFilePath(projectPath);
     std::error_code ec;
     if (fs::is_directory(path, ec)) throw Failure(projectPath, "is a folder, not a project file");
     std::ifstream probe(path, std::ios::binary);
@@ -129,6 +130,11 @@ std::string AbsolutePath(const std::string& path) {
     fs::path p = fs::absolute(fs::path(path), ec);
     if (ec) throw Failure(path, ec.message());
     return p.lexically_normal().string();
+}
+
+std::string ProjectFilePath(const std::string& path) {
+    const std::string target = FileReplacement::ThroughLinks(AbsolutePath(path));
+    return target.empty() ? AbsolutePath(path) : AbsolutePath(target);  // a loop of links: as named
 }
 
 int32_t ParseLanguage(const std::string& text) {

@@ -76,6 +76,10 @@ private:
 
 // An absolute, lexically normalised path.
 std::string AbsolutePath(const std::string& path);
+// The project file `path` names: its AbsolutePath, through a final symbolic link. A
+// project behind a link keeps its names relative to its own folder, so that every
+// link to it finds the same sources, and a save replaces the file, not the link.
+std::string ProjectFilePath(const std::string& path);
 // A Languages value from one of the names of kLanguageNames or a number.
 int32_t ParseLanguage(const std::string& text);
 // A FileType value from impl, def, form, noparse or 1 to 4.
