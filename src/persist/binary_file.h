@@ -1,7 +1,11 @@
 #pragma once
 // Reader and writer of the project file's two record kinds: a 32-bit little-endian
-// number, and a counted string (32-bit length in code units, then one byte per code
-// unit: below 256 the unit's value, any other unit '?').
+// number, and a counted string: a 32-bit length, then its text, either one byte per
+// code unit (below 256 the unit's value, any other unit '?'; the length counts units)
+// or UTF-8 (the length counts bytes), as the file's version says.
+//
+// Strings are written with at most kMaxStringWrite units or bytes, the rest cut off,
+// so that everything written reads back.
 //
 // Reads never fail: past the end of the file numbers read 0 and missing string bytes
 // read NUL. HitEnd() tells that some read came up short, so that record loops of a
@@ -13,6 +17,8 @@
 #include <string_view>
 #include <vector>
 
+#include "common/text.h"
+
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -23,6 +29,13 @@ class clsBinaryFile {
 public:
     // Strings claiming this many units or more read as empty and consume only the length.
     static constexpr int32_t kMaxStringRead = 32000;
+    static constexpr int32_t kMaxStringWrite = kMaxStringRead - 1;
+
+    // How string records hold their text. A file is opened with one byte per unit; the
+    // project reader and writer switch to UTF-8 for the files that hold it.
+    enum class TextEncoding { OneBytePerUnit, Utf8 };
+    void SetTextEncoding(TextEncoding encoding) { encoding_ = encoding; }
+    TextEncoding Encoding() const { return encoding_; }
 
     clsBinaryFile() = default;
     ~clsBinaryFile();
@@ -36,7 +49,8 @@ public:
     // it for writing; answers its name, or "" on failure, also when `besideName` is a
     // read-only file.
     std::u16string OpenTemporaryBeside(const std::u16string& besideName);
-    // Writes what is buffered and closes; false when some write since opening failed.
+    // Writes what is buffered and closes, back to one byte per unit; false when some
+    // write since opening failed.
     bool CloseFile();
     bool IsOpen() const { return fd_ >= 0; }
 
@@ -50,6 +64,11 @@ public:
     std::u16string LoadString();
     // As LoadString, into a string whose room is reused.
     void LoadString(std::u16string& into);
+    // The UTF-8 text of a string record, appended to `into`. Sequences of a lone
+    // surrogate are accepted: the writer makes them of lone surrogates it is given.
+    static void AppendUtf8Text(std::u16string& into, std::string_view bytes) {
+        AppendUtf8(into, bytes, EncodedSurrogates::Accepted);
+    }
     // The next n bytes in one piece, from the read position on, which does not move:
     // valid until the next read. What lies past the end of the file reads as zeros
     // (and HitEnd). For a reader that takes a whole record in place: it asks for a
@@ -155,12 +174,15 @@ private:
     // written. Records are written straight into it, so that a record of a few bytes
     // costs no call that copies or zeroes them first.
     char* Append(size_t n);
+    // Gives back the last n bytes of the room just appended, left unused.
+    void Unappend(size_t n) { bufferPos_ -= n; }
     bool Flush();
 
     int fd_ = -1;
     bool writing_ = false;
     bool hitEnd_ = false;
     bool writeFailed_ = false;
+    TextEncoding encoding_ = TextEncoding::OneBytePerUnit;
     std::vector<char> buffer_;
     size_t bufferPos_ = 0;  // next byte to read from buffer_, or to write into it
     int64_t fileSize_ = 0;  // of a file opened for reading

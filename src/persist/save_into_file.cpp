@@ -15,6 +15,10 @@ namespace {
 
 constexpr std::string_view kModule = "clsSaveIntoFile.cls";
 const std::u16string kSignature = u"KESTREL1.1";
+// A project holding a code unit above 255 is written as version 1.2, its strings UTF-8;
+// every other project as version 1.1, byte for byte as before there was a 1.2.
+const std::u16string kUtf8Signature = u"KESTREL1.2";
+constexpr int32_t kUtf8Version = 12;
 const std::u16string kSignatureStem = u"KESTREL";
 
 namespace fs = std::filesystem;
@@ -30,6 +34,30 @@ void KeepBackup(const std::u16string& name) {
         fs::remove(backup, ignored);
         fs::copy_file(SystemPath(name), backup, ignored);
     });
+}
+
+// The bitwise or of a text's code units: below 256 when each of them fits one byte.
+// No early way out: a loop without one becomes a few vector instructions.
+char16_t UnitsOr(std::u16string_view text) {
+    char16_t all = 0;
+    for (char16_t c : text) all |= c;
+    return all;
+}
+
+// Whether every string of the project fits one byte per code unit.
+bool FitsOneBytePerUnit(clsAllFiles& files) {
+    for (const FilePtr& f : files.Files()) {
+        char16_t all = UnitsOr(f->GetTrueFile()) | UnitsOr(f->UserData);
+        for (const ClassPtr& c : f->Classes()) {
+            all |= UnitsOr(c->Name) | UnitsOr(c->UserData);
+            for (bool functions : {false, true})
+                c->ForEachForSaving(functions, [&all](const clsOneItem& item) {
+                    all |= UnitsOr(item.Name()) | UnitsOr(item.Params()) | UnitsOr(item.UserData());
+                });
+        }
+        if (all >= 256) return false;
+    }
+    return true;
 }
 
 // Closes g_BinaryFile() however the routine ends, and drops an unfinished temporary.
@@ -91,7 +119,12 @@ bool clsSaveIntoFile::Save(ProjectHost& ctl, clsAllFiles& files) {
         clsBinaryFile& out = g_BinaryFile();
         CloseOnExit closer{out.OpenTemporaryBeside(name)};
         if (closer.temporary.empty()) return;
-        out.SaveString(kSignature);
+        if (FitsOneBytePerUnit(files)) {
+            out.SaveString(kSignature);
+        } else {
+            out.SaveString(kUtf8Signature);
+            out.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
+        }
         out.SaveNumeric(ctl.Language());
         out.SaveNumeric(ctl.ID());
         out.SaveNumeric(files.count());
@@ -157,6 +190,7 @@ bool clsSaveIntoFile::Load(const std::u16string& szFileName, ProjectHost& ctl, c
                 return;
             }
             version = VersionOf(signature);
+            if (version == kUtf8Version) in.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
             ctl.Language(in.LoadNumeric());
         } else if (first >= -32768) {
             return;  // practically every file without the signature is refused

@@ -1,6 +1,7 @@
 #pragma once
 // The project file: signature "KESTREL1.1", language, id, file count, then the file
-// records with their classes and items, all through g_BinaryFile().
+// records with their classes and items, all through g_BinaryFile(). A project holding
+// any code unit above 255 is signed "KESTREL1.2" and holds its strings as UTF-8.
 #include <cstdint>
 #include <string>
 
