@@ -200,6 +200,8 @@ bool clsSaveIntoFile::Load(const std::u16string& szFileName, ProjectHost& ctl, c
         ctl.ID(in.LoadNumeric());
         ctl.ClearProjectBeforeRead();
         files.LoadFromBinaryFile(version);
+        // What was read stays loaded; whoever saves it next must know that it is not all.
+        if (in.HitEnd()) ReportError(kModule, "Function Load", kErrFileIo, "the project file ended early");
         ctl.FileName(szFileName);
         in.CloseFile();
         ctl.FileName(szFileName);

@@ -17,7 +17,8 @@ public:
     // save leaves the previous file in place. True when the project file was written.
     bool Save(ProjectHost& ctl, clsAllFiles& files);
     // Reads a project file into `files` (which the caller has emptied) and sets the
-    // host's Language, ID and FileName. False when the file is missing or refused.
+    // host's Language, ID and FileName. False when the file is missing or refused. A
+    // file that ends before its records do loads what it holds, and is reported.
     bool Load(const std::u16string& szFileName, ProjectHost& ctl, clsAllFiles& files);
 
     // The version a signature stands for: the number after its seventh character,
