@@ -195,9 +195,15 @@ ItemPtr clsOneItem::LoadFromBinaryFile(int32_t version) {
     const char* const record = in.Window(end).data();
     const auto bytes = [&](const Text& t) { return std::string_view(record + t.at, t.length); };
     ItemPtr item;
-    if (in.Encoding() == clsBinaryFile::TextEncoding::Utf8) {
-        // The lengths count bytes; how many units the texts take is known only once
-        // they are decoded, here one after another into room kept from item to item.
+    char16_t* room;
+    if (in.Encoding() == clsBinaryFile::TextEncoding::OneBytePerUnit) [[likely]] {
+        std::tie(item, room) = WithRoom(name.length + params.length + userData.length);
+        item->Replace(name.length, params.length, userData.length, 0, KeyForm::Empty, [&](char16_t* to) {
+            for (const Text& t : {name, params, userData}) to = clsBinaryFile::Widen(bytes(t), to);
+        }, room);
+    } else {
+        // The lengths count UTF-8 bytes; how many units the texts take is known only
+        // once they are decoded, here one after another into room kept from item to item.
         static thread_local std::u16string units;
         units.clear();
         size_t lengths[3];
@@ -207,16 +213,9 @@ ItemPtr clsOneItem::LoadFromBinaryFile(int32_t version) {
             clsBinaryFile::AppendUtf8Text(units, bytes(*texts[k]));
             lengths[k] = units.size() - before;
         }
-        char16_t* room;
         std::tie(item, room) = WithRoom(units.size());
         item->Replace(lengths[0], lengths[1], lengths[2], 0, KeyForm::Empty,
                       [&](char16_t* to) { std::copy(units.begin(), units.end(), to); }, room);
-    } else {
-        char16_t* room;
-        std::tie(item, room) = WithRoom(name.length + params.length + userData.length);
-        item->Replace(name.length, params.length, userData.length, 0, KeyForm::Empty, [&](char16_t* to) {
-            for (const Text& t : {name, params, userData}) to = clsBinaryFile::Widen(bytes(t), to);
-        }, room);
     }
     item->Line = clsBinaryFile::DecodeNumeric(record + numbers);
     item->Scope = clsBinaryFile::DecodeNumeric(record + numbers + 4);

@@ -80,6 +80,7 @@ bool clsBinaryFile::CloseFile() {
     if (::close(fd_) != 0 && writing_) writeFailed_ = true;
     fd_ = -1;
     encoding_ = TextEncoding::OneBytePerUnit;
+    unitsDidNotFit_ = false;
     buffer_.clear();
     bufferPos_ = 0;
     return !writeFailed_;
@@ -189,8 +190,15 @@ void clsBinaryFile::SaveString(std::u16string_view sz) {
     sz = sz.substr(0, static_cast<size_t>(kMaxStringWrite));
     if (char* to = Append(4 + sz.size())) {
         EncodeNumeric(static_cast<int32_t>(sz.size()), to);
-        Narrow(sz, to + 4);
+        if (!Narrow(sz, to + 4)) unitsDidNotFit_ = true;
     }
+}
+
+void clsBinaryFile::Restart() {
+    if (!IsOpen() || !writing_) return;
+    bufferPos_ = 0;  // what waits to be written goes too
+    if (::lseek(fd_, 0, SEEK_SET) != 0 || ::ftruncate(fd_, 0) != 0) writeFailed_ = true;
+    unitsDidNotFit_ = false;
 }
 
 void clsBinaryFile::Reset() {

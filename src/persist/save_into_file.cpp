@@ -36,30 +36,6 @@ void KeepBackup(const std::u16string& name) {
     });
 }
 
-// The bitwise or of a text's code units: below 256 when each of them fits one byte.
-// No early way out: a loop without one becomes a few vector instructions.
-char16_t UnitsOr(std::u16string_view text) {
-    char16_t all = 0;
-    for (char16_t c : text) all |= c;
-    return all;
-}
-
-// Whether every string of the project fits one byte per code unit.
-bool FitsOneBytePerUnit(clsAllFiles& files) {
-    for (const FilePtr& f : files.Files()) {
-        char16_t all = UnitsOr(f->GetTrueFile()) | UnitsOr(f->UserData);
-        for (const ClassPtr& c : f->Classes()) {
-            all |= UnitsOr(c->Name) | UnitsOr(c->UserData);
-            for (bool functions : {false, true})
-                c->ForEachForSaving(functions, [&all](const clsOneItem& item) {
-                    all |= UnitsOr(item.Name()) | UnitsOr(item.Params()) | UnitsOr(item.UserData());
-                });
-        }
-        if (all >= 256) return false;
-    }
-    return true;
-}
-
 // Closes g_BinaryFile() however the routine ends, and drops an unfinished temporary.
 struct CloseOnExit {
     std::u16string temporary;
@@ -119,16 +95,25 @@ bool clsSaveIntoFile::Save(ProjectHost& ctl, clsAllFiles& files) {
         clsBinaryFile& out = g_BinaryFile();
         CloseOnExit closer{out.OpenTemporaryBeside(name)};
         if (closer.temporary.empty()) return;
-        if (FitsOneBytePerUnit(files)) {
-            out.SaveString(kSignature);
-        } else {
-            out.SaveString(kUtf8Signature);
+        const auto writeProject = [&] {
+            const bool utf8 = out.Encoding() == clsBinaryFile::TextEncoding::Utf8;
+            out.SaveString(utf8 ? kUtf8Signature : kSignature);
+            out.SaveNumeric(ctl.Language());
+            out.SaveNumeric(ctl.ID());
+            out.SaveNumeric(files.count());
+            for (const FilePtr& f : files.Files()) {
+                SaveOneFile__(*f);
+                if (out.UnitsDidNotFit()) return;  // written again below
+            }
+        };
+        // Nearly every project fits one byte per unit; one that does not is found out
+        // while it is written, which costs less than a look at every text beforehand.
+        writeProject();
+        if (out.UnitsDidNotFit()) {
+            out.Restart();
             out.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
+            writeProject();
         }
-        out.SaveNumeric(ctl.Language());
-        out.SaveNumeric(ctl.ID());
-        out.SaveNumeric(files.count());
-        for (const FilePtr& f : files.Files()) SaveOneFile__(*f);
         if (!out.CloseFile()) return;
         if (::rename(ToUtf8(closer.temporary).c_str(), ToUtf8(name).c_str()) != 0) return;
         closer.temporary.clear();

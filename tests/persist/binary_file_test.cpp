@@ -173,3 +173,27 @@ TEST_F(BinaryFileFixture, TheReadLimitCountsUtf8Bytes) {
     file.Skip(32000);
     EXPECT_EQ(file.LoadString(), u"\u0436");
 }
+
+TEST_F(BinaryFileFixture, AUnitThatDoesNotFitOneByteIsNoticedWhereverItStands) {
+    // Narrowed eight, four or one at a time: a unit of 256 or more at any place counts.
+    ASSERT_TRUE(file.OpenFile(Name(), true));
+    for (size_t n = 1; n <= 24; ++n) {
+        for (size_t at = 0; at < n; ++at) {
+            std::u16string text(n, u'\u00ff');
+            text[at] = static_cast<char16_t>(0x100 << (at % 8));
+            file.Restart();
+            file.SaveString(std::u16string(n, u'\u00ff'));
+            EXPECT_FALSE(file.UnitsDidNotFit()) << n;
+            file.SaveString(text);
+            EXPECT_TRUE(file.UnitsDidNotFit()) << n << " units, the wide one at " << at;
+        }
+    }
+    // Restarting empties the file, also of what went to the disk already, and forgets
+    // the unit.
+    for (int i = 0; i < 4; ++i) file.SaveString(std::u16string(30000, u'x'));
+    file.Restart();
+    EXPECT_FALSE(file.UnitsDidNotFit());
+    file.SaveString(u"ab");
+    ASSERT_TRUE(file.CloseFile());
+    EXPECT_EQ(Bytes(), N(2) + "ab");
+}

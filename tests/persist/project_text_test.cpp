@@ -93,3 +93,22 @@ TEST_F(ProjectText, StringsTooLongToReadAreCutAndEverythingAfterThemReadsRight) 
         EXPECT_EQ(loaded.files->item(2)->item(1)->var(1)->Name(), u"v");
     }
 }
+
+TEST_F(ProjectText, AUnitAbove255InTheLastFileMakesTheWholeFileVersion12) {
+    // Found while the file is written: what was written as version 1.1 goes. Cut to
+    // whole characters, the long texts take fewer bytes in UTF-8 than one byte each.
+    p.host.id = 0;
+    p.Listed(u"/proj/caf\u00e9.cpp", FILETYPE_IMPLEMENTATION)->WriteDeclare__(u"f", 1, PUBLIC_SCOPE, u"()");
+    FilePtr last = p.Listed(u"/proj/last.cpp", FILETYPE_IMPLEMENTATION);
+    last->UserData = std::u16string(40000, u'\u00e9');  // 31,999 bytes, or 15,999 characters of two
+    last->WriteDeclare__(u"g", 2, PUBLIC_SCOPE, std::u16string(40000, u'\u20ac'));  // or 10,666 of three
+    ASSERT_TRUE(SaveAs("wide.kpr"));
+    std::string eAcute, euro;
+    for (int i = 0; i < 15999; ++i) eAcute += "\xc3\xa9";
+    for (int i = 0; i < 10666; ++i) euro += "\xe2\x82\xac";
+    const std::string lastRecord = S("last.cpp") + N(FILETYPE_IMPLEMENTATION) + N(1) + N(0) + S(eAcute) +
+                                   ClassRecord("Globals", {}, {ItemRecord("g", 2, euro)});
+    EXPECT_EQ(Bytes("wide.kpr"), S("KESTREL1.2") + N(0) + N(0) + N(2) +
+                                     FileRecord("caf\xc3\xa9.cpp", {ClassRecord("Globals", {}, {ItemRecord("f", 1, "()")})}) +
+                                     lastRecord);
+}
