@@ -45,7 +45,8 @@ TEST_F(ProjectFile, SaveLoadSaveGivesTheSameModelAndTheSameBytes) {
 
 TEST(ProjectFileSignature, VersionReadsLikeANumber) {
     const std::pair<std::u16string, int32_t> cases[] = {
-        {u"KESTREL1.1", 11}, {u"KESTREL1.0", 10}, {u"KESTREL 2 ", 20},  {u"KESTREL.25", 2},  // 2.5: half to even
+        {u"KESTREL1.1", 11}, {u"KESTREL1.0", 10}, {u"KESTREL1.2", 12}, {u"KESTREL 2 ", 20},
+        {u"KESTREL.25", 2},  // 2.5: half to even
         {u"KESTREL.35", 4},  {u"KESTRELabc", 0},  {u"KESTREL1e1", 100}, {u"KESTREL1x1", 10},
     };
     for (const auto& [signature, version] : cases)
