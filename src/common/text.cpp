@@ -81,7 +81,7 @@ namespace {
 
 // Length of the valid UTF-8 sequence starting at s[i] and its value, or 0 when the
 // byte at i does not start a valid sequence.
-size_t DecodeOne(std::string_view s, size_t i, char32_t& cp) {
+size_t DecodeOne(std::string_view s, size_t i, char32_t& cp, EncodedSurrogates surrogates) {
     auto b = [&](size_t k) { return static_cast<unsigned char>(s[k]); };
     unsigned char c = b(i);
     if (c < 0x80) { cp = c; return 1; }
@@ -96,7 +96,8 @@ size_t DecodeOne(std::string_view s, size_t i, char32_t& cp) {
         if ((b(i + k) & 0xC0) != 0x80) return 0;
         cp = (cp << 6) | (b(i + k) & 0x3F);
     }
-    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
+    if (cp < min || cp > 0x10FFFF) return 0;
+    if (cp >= 0xD800 && cp <= 0xDFFF && surrogates == EncodedSurrogates::Invalid) return 0;
     return len;
 }
 
@@ -108,7 +109,7 @@ std::u16string FromUtf8(std::string_view bytes) {
     return out;
 }
 
-void AppendUtf8(std::u16string& out, std::string_view bytes) {
+void AppendUtf8(std::u16string& out, std::string_view bytes, EncodedSurrogates surrogates) {
     // Never more units than bytes: written in place, then cut to what was produced.
     const size_t start = out.size();
     out.resize(start + bytes.size());
@@ -150,7 +151,7 @@ void AppendUtf8(std::u16string& out, std::string_view bytes) {
             continue;
         }
         char32_t cp;
-        size_t len = DecodeOne(bytes, i, cp);
+        size_t len = DecodeOne(bytes, i, cp, surrogates);
         if (len == 0) {
             *o++ = c;
             ++i;
@@ -167,31 +168,45 @@ void AppendUtf8(std::u16string& out, std::string_view bytes) {
     out.resize(static_cast<size_t>(o - out.data()));
 }
 
-std::string ToUtf8(std::u16string_view text) {
-    std::string out;
-    out.reserve(text.size());
+size_t EncodeUtf8(std::u16string_view text, char* to, size_t limit) {
+    size_t written = 0;
     for (size_t i = 0; i < text.size(); ++i) {
         char32_t cp = text[i];
+        size_t units = 1;
         if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
             cp = 0x10000 + ((cp - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-            ++i;
+            units = 2;
         }
-        if (cp < 0x80) {
-            out.push_back(static_cast<char>(cp));
-        } else if (cp < 0x800) {
-            out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else if (cp < 0x10000) {
-            out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else {
-            out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        const size_t length = cp < 0x80 ? 1 : cp < 0x800 ? 2 : cp < 0x10000 ? 3 : 4;
+        if (written + length > limit) break;
+        char* o = to + written;
+        switch (length) {
+            case 1: o[0] = static_cast<char>(cp); break;
+            case 2:
+                o[0] = static_cast<char>(0xC0 | (cp >> 6));
+                o[1] = static_cast<char>(0x80 | (cp & 0x3F));
+                break;
+            case 3:
+                o[0] = static_cast<char>(0xE0 | (cp >> 12));
+                o[1] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+                o[2] = static_cast<char>(0x80 | (cp & 0x3F));
+                break;
+            default:
+                o[0] = static_cast<char>(0xF0 | (cp >> 18));
+                o[1] = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+                o[2] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+                o[3] = static_cast<char>(0x80 | (cp & 0x3F));
         }
+        written += length;
+        i += units - 1;
     }
+    return written;
+}
+
+std::string ToUtf8(std::u16string_view text) {
+    // Three bytes a unit at most: a pair of units makes one four-byte character.
+    std::string out(3 * text.size(), '\0');
+    out.resize(EncodeUtf8(text, out.data(), out.size()));
     return out;
 }
 

@@ -47,15 +47,24 @@ inline bool SameText(std::u16string_view a, std::u16string_view b) {
     return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
 }
 
+// Whether a three-byte sequence of a surrogate's value is text. Source files hold UTF-8,
+// where it is not; texts that kestrel wrote itself may hold a lone surrogate, written
+// as its own three-byte sequence by ToUtf8, and must read back as they were.
+enum class EncodedSurrogates { Invalid, Accepted };
+
 // UTF-8 in, UTF-16 out. Validated strictly: overlong forms, encoded surrogates and
 // values above U+10FFFF are invalid; every byte that is not part of a valid sequence
 // becomes the code point of the byte's value.
 std::u16string FromUtf8(std::string_view bytes);
 // As FromUtf8, appending to `out`.
-void AppendUtf8(std::u16string& out, std::string_view bytes);
+void AppendUtf8(std::u16string& out, std::string_view bytes,
+                EncodedSurrogates surrogates = EncodedSurrogates::Invalid);
 // UTF-16 out as UTF-8: a valid surrogate pair becomes one four-byte character, a lone
 // surrogate is written as its own three-byte sequence.
 std::string ToUtf8(std::u16string_view text);
+// As ToUtf8, into `to`, with whole characters only while they fit in `limit` bytes;
+// answers how many bytes it wrote.
+size_t EncodeUtf8(std::u16string_view text, char* to, size_t limit);
 
 // Decimal form of a number, as UTF-16.
 std::u16string ToText(long long n);

@@ -50,6 +50,7 @@ public:
     std::u16string AbsPath__(const std::u16string& storedName) override;
     std::u16string RelativePathToProject__(const std::u16string& fullPath) override;
     std::u16string ExtractFilename__(const std::u16string& path, int16_t strip) override;
+    bool FileNamesIgnoreCase() override { return pathStyle_ == PathStyle::Windows; }
 
     // Nothing is shown, so the node operations have nothing to do.
     void AddFile__(const FilePtr&) override {}

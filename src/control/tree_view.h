@@ -89,6 +89,7 @@ public:
 
     // Path work against the project directory.
     std::u16string ExtractFilename__(const std::u16string& path, int16_t strip) override;
+    bool FileNamesIgnoreCase() override { return pathStyle_ == PathStyle::Windows; }
     std::u16string ExtractPath__(const std::u16string& path);
     std::u16string AbsPath__(const std::u16string& storedName) override;
     std::u16string RelativePathToProject__(const std::u16string& fullPath) override;

@@ -15,6 +15,7 @@ constexpr std::string_view kModule = "clsAllFiles.cls";
 clsAllFiles::~clsAllFiles() { RemoveAllFiles__(); }
 
 FilePtr clsAllFiles::Add(const std::u16string& FileName, int32_t nFileType) {
+    if (std::shared_ptr<ModelSink> sink = sink_.lock()) FollowFileNameCase(*sink);
     if (files_.Contains(FileName)) return nullptr;
     // From here on errors are not trapped: they reach the host.
     auto file = std::make_shared<clsOneFile>();
@@ -141,6 +142,7 @@ void clsAllFiles::LoadFromBinaryFile(int32_t version) {
     Trap(kModule, "Sub LoadFromBinaryFile", [&] {
         clsBinaryFile& in = g_BinaryFile();
         std::shared_ptr<ModelSink> sink = sink_.lock();
+        if (sink) FollowFileNameCase(*sink);
         // A count from a damaged file ends with the data, and reserves nothing up front.
         for (int32_t n = in.LoadNumeric(), k = 0; k < n && !in.HitEnd(); ++k) {
             auto file = std::make_shared<clsOneFile>();

@@ -1,7 +1,8 @@
 #pragma once
 // The project: the ordered, keyed collection of source file records. Files added with
 // Add are keyed by the name as the host gave it, files read from a project file by
-// their absolute name; keys are case-blind.
+// their absolute name; keys are case-blind where the sink's file names are, and exact
+// otherwise.
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -57,6 +58,8 @@ public:
     ~clsAllFiles();
 
 private:
+    // Takes the sink's rule for letter case in file names, while the project is empty.
+    void FollowFileNameCase(ModelSink& sink) { files_.CompareKeysExactly(!sink.FileNamesIgnoreCase()); }
     // The jobs for the files (absolute names) that are scanned at all.
     static std::vector<ScanJob> ScanJobs(const std::vector<std::pair<std::u16string, int32_t>>& files, int16_t language);
 

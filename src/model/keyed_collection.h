@@ -1,6 +1,7 @@
 #pragma once
 // The one container of the code model: entries kept in insertion order, reachable by
-// 1-based position or by a string key compared after UpperCase.
+// 1-based position or by a string key compared after UpperCase (or, for a collection
+// told so while empty, exactly).
 //
 // Removal leaves a hole in the slot array instead of shifting it; a Fenwick tree over
 // the live flags turns a position into a slot (and back) in O(log n), and the holes
@@ -40,6 +41,15 @@ public:
     int32_t Count() const { return live_; }
     // Changes whenever an entry leaves: an entry found earlier is still in while it is the same.
     uint32_t Removals() const { return removals_; }
+
+    // Whether keys are compared exactly, letter case included, instead of case-blind.
+    // Only an empty collection changes: the keys present were stored for their rule.
+    // (The hash stays case-blind, which equal keys share all the same.)
+    void CompareKeysExactly(bool exact)
+        requires(Keys == KeySource::Copy)
+    {
+        if (live_ == 0) exactKeys_ = exact;
+    }
 
     // The entry at a 1-based position, or nullptr when there is none.
     Value At(int32_t position) const {
@@ -105,7 +115,7 @@ public:
     void AddMissing(const Probe& probe, std::u16string_view key, Value value) {
         Reserve();
         if constexpr (kKeysCopied)
-            slots_.push_back(Slot{UpperCase(key), std::move(value)});
+            slots_.push_back(Slot{exactKeys_ ? std::u16string(key) : UpperCase(key), std::move(value)});
         else
             slots_.push_back(Slot{std::move(value)});
         Append(probe.hash);
@@ -201,7 +211,7 @@ public:
 private:
     static constexpr bool kKeysCopied = Keys == KeySource::Copy;
     struct CopiedKeySlot {
-        std::u16string key;  // upper-cased
+        std::u16string key;  // upper-cased, unless keys compare exactly
         Value value;         // nullptr once removed
     };
     struct ValueKeySlot {
@@ -303,9 +313,10 @@ private:
         });
         return key;
     }
-    // Whether a live slot's key equals key in any letter case.
-    static bool SameKey(const Slot& s, std::u16string_view key) {
+    // Whether a live slot's key equals key in any letter case (or exactly).
+    bool SameKey(const Slot& s, std::u16string_view key) const {
         if constexpr (kKeysCopied) {
+            if (exactKeys_) return SameText(s.key, key);
             if (s.key.size() != key.size()) return false;
             for (size_t i = 0; i < key.size(); ++i)
                 if (s.key[i] != UpperUnit(key[i])) return false;
@@ -400,6 +411,7 @@ private:
     size_t tableUsed_ = 0;  // buckets not kEmpty: live entries and removal markers
     int32_t live_ = 0;
     uint32_t removals_ = 0;
+    bool exactKeys_ = false;
 };
 
 }  // namespace kestrel

@@ -35,6 +35,9 @@ public:
     virtual std::u16string AbsPath__(const std::u16string& storedName) = 0;
     virtual std::u16string RelativePathToProject__(const std::u16string& fullPath) = 0;
     virtual std::u16string ExtractFilename__(const std::u16string& path, int16_t strip) = 0;
+    // Whether two file names that differ only in letter case name one file, as they do
+    // with Windows paths; POSIX file systems hold both.
+    virtual bool FileNamesIgnoreCase() { return false; }
 
     virtual void AddFile__(const FilePtr& file) = 0;
     virtual void RemoveFile__(const FilePtr& file) = 0;

@@ -1,6 +1,7 @@
 #include "model/one_item.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "model/item_memory.h"
 #include "persist/binary_file.h"
@@ -192,13 +193,33 @@ ItemPtr clsOneItem::LoadFromBinaryFile(int32_t version) {
     const Text userData = text();
     const Text params = version >= 11 ? text() : Text{end, 0};
     const char* const record = in.Window(end).data();
-    auto [item, room] = WithRoom(name.length + params.length + userData.length);
+    const auto bytes = [&](const Text& t) { return std::string_view(record + t.at, t.length); };
+    ItemPtr item;
+    char16_t* room;
+    if (in.Encoding() == clsBinaryFile::TextEncoding::OneBytePerUnit) [[likely]] {
+        std::tie(item, room) = WithRoom(name.length + params.length + userData.length);
+        item->Replace(name.length, params.length, userData.length, 0, KeyForm::Empty, [&](char16_t* to) {
+            for (const Text& t : {name, params, userData}) to = clsBinaryFile::Widen(bytes(t), to);
+        }, room);
+    } else {
+        // The lengths count UTF-8 bytes; how many units the texts take is known only
+        // once they are decoded, here one after another into room kept from item to item.
+        static thread_local std::u16string units;
+        units.clear();
+        size_t lengths[3];
+        const Text* texts[] = {&name, &params, &userData};
+        for (size_t k = 0; k < 3; ++k) {
+            const size_t before = units.size();
+            clsBinaryFile::AppendUtf8Text(units, bytes(*texts[k]));
+            lengths[k] = units.size() - before;
+        }
+        std::tie(item, room) = WithRoom(units.size());
+        item->Replace(lengths[0], lengths[1], lengths[2], 0, KeyForm::Empty,
+                      [&](char16_t* to) { std::copy(units.begin(), units.end(), to); }, room);
+    }
     item->Line = clsBinaryFile::DecodeNumeric(record + numbers);
     item->Scope = clsBinaryFile::DecodeNumeric(record + numbers + 4);
     item->UserId = clsBinaryFile::DecodeNumeric(record + numbers + 8);
-    item->Replace(name.length, params.length, userData.length, 0, KeyForm::Empty, [&](char16_t* to) {
-        for (const Text& t : {name, params, userData}) to = clsBinaryFile::Widen({record + t.at, t.length}, to);
-    }, room);
     in.Skip(end);
     return item;
 }

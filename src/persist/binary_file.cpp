@@ -49,6 +49,8 @@ bool clsBinaryFile::OpenReplacement(const std::u16string& name) {
     writing_ = true;
     hitEnd_ = false;
     writeFailed_ = false;
+    encoding_ = TextEncoding::OneBytePerUnit;
+    unitsDidNotFit_ = false;
     buffer_.clear();
     bufferPos_ = 0;
     return true;
@@ -62,6 +64,8 @@ bool clsBinaryFile::CommitReplacement() {
     replacement_.Abandon();
     errno = error;
     fd_ = -1;
+    encoding_ = TextEncoding::OneBytePerUnit;
+    unitsDidNotFit_ = false;
     buffer_.clear();
     bufferPos_ = 0;
     return !writeFailed_;
@@ -76,6 +80,8 @@ bool clsBinaryFile::CloseFile() {
         if (::close(fd_) != 0 && writing_) writeFailed_ = true;
     }
     fd_ = -1;
+    encoding_ = TextEncoding::OneBytePerUnit;
+    unitsDidNotFit_ = false;
     buffer_.clear();
     bufferPos_ = 0;
     return !writeFailed_;
@@ -145,9 +151,15 @@ std::u16string clsBinaryFile::LoadString() {
 }
 
 void clsBinaryFile::LoadString(std::u16string& into) {
-    into.resize(TextLength(LoadNumeric()));
-    Widen(Window(into.size()), into.data());
-    Skip(into.size());
+    const size_t length = TextLength(LoadNumeric());
+    if (encoding_ == TextEncoding::Utf8) {
+        into.clear();
+        AppendUtf8Text(into, Window(length));
+    } else {
+        into.resize(length);
+        Widen(Window(length), into.data());
+    }
+    Skip(length);
 }
 
 namespace {
@@ -166,10 +178,28 @@ void clsBinaryFile::SaveNumeric(int32_t lNum) {
 
 void clsBinaryFile::SaveString(std::u16string_view sz) {
     // Length and text in one piece: every item writes three strings.
+    if (encoding_ == TextEncoding::Utf8) {
+        // Three bytes a unit at most; what the text does not take is given back.
+        const size_t room = std::min(3 * sz.size(), static_cast<size_t>(kMaxStringWrite));
+        if (char* to = Append(4 + room)) {
+            const size_t length = EncodeUtf8(sz, to + 4, room);
+            EncodeNumeric(static_cast<int32_t>(length), to);
+            Unappend(room - length);
+        }
+        return;
+    }
+    sz = sz.substr(0, static_cast<size_t>(kMaxStringWrite));
     if (char* to = Append(4 + sz.size())) {
         EncodeNumeric(static_cast<int32_t>(sz.size()), to);
-        Narrow(sz, to + 4);
+        if (!Narrow(sz, to + 4)) unitsDidNotFit_ = true;
     }
+}
+
+void clsBinaryFile::Restart() {
+    if (!IsOpen() || !writing_) return;
+    bufferPos_ = 0;  // what waits to be written goes too
+    if (::lseek(fd_, 0, SEEK_SET) != 0 || ::ftruncate(fd_, 0) != 0) writeFailed_ = true;
+    unitsDidNotFit_ = false;
 }
 
 void clsBinaryFile::Reset() {

@@ -14,6 +14,10 @@ namespace {
 
 constexpr std::string_view kModule = "clsSaveIntoFile.cls";
 const std::u16string kSignature = u"KESTREL1.1";
+// A project holding a code unit above 255 is written as version 1.2, its strings UTF-8;
+// every other project as version 1.1, byte for byte as before there was a 1.2.
+const std::u16string kUtf8Signature = u"KESTREL1.2";
+constexpr int32_t kUtf8Version = 12;
 const std::u16string kSignatureStem = u"KESTREL";
 
 namespace fs = std::filesystem;
@@ -86,11 +90,25 @@ bool clsSaveIntoFile::Save(ProjectHost& ctl, clsAllFiles& files) {
         clsBinaryFile& out = g_BinaryFile();
         CloseOnExit closer;
         if (!out.OpenReplacement(name)) return;
-        out.SaveString(kSignature);
-        out.SaveNumeric(ctl.Language());
-        out.SaveNumeric(ctl.ID());
-        out.SaveNumeric(files.count());
-        for (const FilePtr& f : files.Files()) SaveOneFile__(*f);
+        const auto writeProject = [&] {
+            const bool utf8 = out.Encoding() == clsBinaryFile::TextEncoding::Utf8;
+            out.SaveString(utf8 ? kUtf8Signature : kSignature);
+            out.SaveNumeric(ctl.Language());
+            out.SaveNumeric(ctl.ID());
+            out.SaveNumeric(files.count());
+            for (const FilePtr& f : files.Files()) {
+                SaveOneFile__(*f);
+                if (out.UnitsDidNotFit()) return;  // written again below
+            }
+        };
+        // Nearly every project fits one byte per unit; one that does not is found out
+        // while it is written, which costs less than a look at every text beforehand.
+        writeProject();
+        if (out.UnitsDidNotFit()) {
+            out.Restart();
+            out.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
+            writeProject();
+        }
         result = out.CommitReplacement();
     });
     return result;
@@ -149,6 +167,7 @@ bool clsSaveIntoFile::Load(const std::u16string& szFileName, ProjectHost& ctl, c
                 return;
             }
             version = VersionOf(signature);
+            if (version == kUtf8Version) in.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
             ctl.Language(in.LoadNumeric());
         } else if (first >= -32768) {
             return;  // practically every file without the signature is refused
@@ -158,6 +177,8 @@ bool clsSaveIntoFile::Load(const std::u16string& szFileName, ProjectHost& ctl, c
         ctl.ID(in.LoadNumeric());
         ctl.ClearProjectBeforeRead();
         files.LoadFromBinaryFile(version);
+        // What was read stays loaded; whoever saves it next must know that it is not all.
+        if (in.HitEnd()) ReportError(kModule, "Function Load", kErrFileIo, "the project file ended early");
         ctl.FileName(szFileName);
         in.CloseFile();
         ctl.FileName(szFileName);

@@ -1,6 +1,7 @@
 #pragma once
 // The project file: signature "KESTREL1.1", language, id, file count, then the file
-// records with their classes and items, all through g_BinaryFile().
+// records with their classes and items, all through g_BinaryFile(). A project holding
+// any code unit above 255 is signed "KESTREL1.2" and holds its strings as UTF-8.
 #include <cstdint>
 #include <string>
 
@@ -17,7 +18,8 @@ public:
     // symbolic link is written through. True when the project file was written.
     bool Save(ProjectHost& ctl, clsAllFiles& files);
     // Reads a project file into `files` (which the caller has emptied) and sets the
-    // host's Language, ID and FileName. False when the file is missing or refused.
+    // host's Language, ID and FileName. False when the file is missing or refused. A
+    // file that ends before its records do loads what it holds, and is reported.
     bool Load(const std::u16string& szFileName, ProjectHost& ctl, clsAllFiles& files);
 
     // The version a signature stands for: the number after its seventh character,

@@ -55,9 +55,8 @@ TEST_F(ProjectFixture, AddShowsScansAndOffersEveryClassNode) {
     EXPECT_EQ(h->FileName(), Path("src/view.h"));
     EXPECT_EQ(sink->Take(), (Calls{"AddFile " + (dir / "src/view.h").string(), "AddFunction CView::Draw src/view.h",
                                    "AddVariable CView::m_x src/view.h", "AddClassNode CView src/view.h"}));
-    // The same name again, in any letter case, is refused.
+    // The same name again is refused.
     EXPECT_EQ(files->Add(Path("src/view.h"), FILETYPE_DEFINITION), nullptr);
-    EXPECT_EQ(files->Add(Path("SRC/VIEW.H"), FILETYPE_IMPLEMENTATION), nullptr);
     EXPECT_EQ(files->count(), 1);
     EXPECT_TRUE(sink->calls.empty());
 }
@@ -88,19 +87,53 @@ TEST_F(ProjectFixture, ItemFindFileAndRemoveLookups) {
     FilePtr bare = files->Add(u"notes.txt", FILETYPE_NOPARSE);
     EXPECT_EQ(files->item(1), h);
     EXPECT_EQ(files->item(3), nullptr);
-    EXPECT_EQ(files->item(Path("src/VIEW.h")), h);
+    EXPECT_EQ(files->item(Path("src/VIEW.h")), nullptr);  // another file, with POSIX paths
     EXPECT_EQ(files->item(u"/anywhere/notes.txt"), bare);  // found by its file name part
     EXPECT_EQ(files->item(u"/anywhere/other.txt"), nullptr);
     EXPECT_EQ(files->FindFile(Path("src/view.h")), h);
     EXPECT_EQ(files->FindFile(Path("src/VIEW.h")), nullptr);
     EXPECT_EQ(files->FindFile(Path("notes.txt")), bare);
-    // Removal finds the file in any letter case and tells the sink only of a file it has.
+    // Removal tells the sink only of a file it has.
     sink->Take();
     EXPECT_FALSE(files->Remove(Path("src/other.h")));
+    EXPECT_FALSE(files->Remove(Path("SRC/view.h")));
     EXPECT_TRUE(sink->calls.empty());
-    EXPECT_TRUE(files->Remove(Path("SRC/view.h")));
+    EXPECT_TRUE(files->Remove(Path("src/view.h")));
     EXPECT_EQ(sink->Take(), (Calls{"RemoveFile src/view.h"}));
     EXPECT_EQ(files->count(), 1);
+}
+
+TEST_F(ProjectFixture, FileNamesThatDifferOnlyInLetterCaseAreTwoFilesWithPosixPaths) {
+    // As in the Linux headers: both files exist side by side.
+    fs::create_directories(dir / "include");
+    Write("include/xt_RATEEST.h", "class xt_rateest_target_info\n{\npublic:\n    int interval;\n};\n");
+    Write("include/xt_rateest.h", "class xt_rateest_match_info\n{\npublic:\n    int flags;\n};\n");
+    FilePtr upper = files->Add(Path("include/xt_RATEEST.h"), FILETYPE_DEFINITION);
+    FilePtr lower = files->Add(Path("include/xt_rateest.h"), FILETYPE_DEFINITION);
+    ASSERT_TRUE(upper && lower);
+    EXPECT_EQ(files->count(), 2);
+    EXPECT_TRUE(upper->GetClass(u"xt_rateest_target_info"));
+    EXPECT_TRUE(lower->GetClass(u"xt_rateest_match_info"));
+    EXPECT_EQ(files->item(Path("include/xt_RATEEST.h")), upper);
+    EXPECT_EQ(files->item(Path("include/xt_rateest.h")), lower);
+    EXPECT_EQ(files->item(Path("include/XT_RATEEST.H")), nullptr);
+    EXPECT_TRUE(files->Remove(Path("include/xt_RATEEST.h")));
+    EXPECT_EQ(files->count(), 1);
+    EXPECT_EQ(files->item(1), lower);
+    // Class keys do not change: a class is found in any letter case.
+    EXPECT_EQ(files->FindClass(u"XT_RATEEST_MATCH_INFO", FILETYPE_DEFINITION), lower->GetClass(u"xt_rateest_match_info"));
+}
+
+TEST(FileNameCase, WindowsPathsStayCaseBlind) {
+    test::RecordedFiles<> project;
+    project.sink->style = PathStyle::Windows;
+    project.sink->ProjectDir = u"C:\\proj\\";
+    FilePtr a = project.files->Add(u"C:\\proj\\View.cpp", FILETYPE_NOPARSE);  // listed only: nothing is read
+    ASSERT_TRUE(a);
+    EXPECT_EQ(project.files->Add(u"C:\\PROJ\\VIEW.CPP", FILETYPE_NOPARSE), nullptr);
+    EXPECT_EQ(project.files->item(u"c:\\proj\\view.cpp"), a);
+    EXPECT_TRUE(project.files->Remove(u"C:\\Proj\\view.CPP"));
+    EXPECT_EQ(project.files->count(), 0);
 }
 
 TEST_F(ProjectFixture, UpdateAllFilesCollapsesFirstAndFollowsTheDisk) {

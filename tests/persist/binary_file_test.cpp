@@ -30,18 +30,17 @@ TEST_F(BinaryFileFixture, WritesLittleEndianNumbersAndCountedSingleByteStrings) 
     file.SaveNumeric(-2);
     file.SaveString(u"");
     file.SaveString(u"\u00e9\u20ac");  // below 256 as its own byte, anything else as '?'
-    file.SaveString(std::u16string(32000, u'u'));  // written whole, though too long to read back
+    file.SaveString(std::u16string(32000, u'u'));  // cut to the longest string a reader takes
     EXPECT_TRUE(file.CloseFile());
-    EXPECT_EQ(Bytes(), std::string("\x03\0\0\0abc\xfe\xff\xff\xff\0\0\0\0\x02\0\0\0\xe9?", 21) + N(32000) +
-                           std::string(32000, 'u'));
+    EXPECT_EQ(Bytes(), std::string("\x03\0\0\0abc\xfe\xff\xff\xff\0\0\0\0\x02\0\0\0\xe9?", 21) + N(31999) +
+                           std::string(31999, 'u'));
 
     ASSERT_TRUE(file.OpenFile(Name(), false));
     EXPECT_EQ(file.LoadString(), u"abc");
     EXPECT_EQ(file.LoadNumeric(), -2);
     EXPECT_EQ(file.LoadString(), u"");
     EXPECT_EQ(file.LoadString(), u"\u00e9?");
-    EXPECT_EQ(file.LoadString(), u"");
-    file.Skip(32000);
+    EXPECT_EQ(file.LoadString(), std::u16string(31999, u'u'));
     EXPECT_FALSE(file.HitEnd());
     EXPECT_EQ(file.LoadNumeric(), 0);  // at the end of the file
     EXPECT_TRUE(file.HitEnd());
@@ -118,4 +117,83 @@ TEST_F(BinaryFileFixture, OpeningMissingFilesFoldersAndExistingFilesForWriting) 
     ASSERT_TRUE(file.OpenFile(Name(), true));
     file.CloseFile();
     EXPECT_EQ(Bytes(), "");
+}
+
+TEST_F(BinaryFileFixture, Utf8StringsCountBytesAndReadBackWhole) {
+    const std::u16string texts[] = {
+        u"abc", u"\u00e9\u20ac", u"\u043f\u0440\u043e\u0435\u043a\u0442", u"\u30c7\u30fc\u30bf",
+        u"\U0001F600x",                                      // outside the Basic Multilingual Plane
+        std::u16string(u"a\xD800z\xDC00", 4),                // lone surrogates, as a host may hand them over
+        u"",
+    };
+    ASSERT_TRUE(file.OpenFile(Name(), true));
+    file.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
+    for (const std::u16string& text : texts) file.SaveString(text);
+    ASSERT_TRUE(file.CloseFile());
+    EXPECT_EQ(Bytes(), N(3) + "abc" + N(5) + "\xc3\xa9\xe2\x82\xac" + N(12) + "\xd0\xbf\xd1\x80\xd0\xbe\xd0\xb5\xd0\xba\xd1\x82" +
+                           N(9) + "\xe3\x83\x87\xe3\x83\xbc\xe3\x82\xbf" + N(5) + "\xf0\x9f\x98\x80x" + N(8) +
+                           "a\xed\xa0\x80z\xed\xb0\x80" + N(0));
+
+    ASSERT_TRUE(file.OpenFile(Name(), false));
+    EXPECT_EQ(file.Encoding(), clsBinaryFile::TextEncoding::OneBytePerUnit);  // each file starts so
+    file.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
+    for (const std::u16string& text : texts) EXPECT_EQ(file.LoadString(), text) << ToUtf8(text);
+    EXPECT_FALSE(file.HitEnd());
+    file.CloseFile();
+    EXPECT_EQ(file.Encoding(), clsBinaryFile::TextEncoding::OneBytePerUnit);
+}
+
+TEST_F(BinaryFileFixture, LongUtf8StringsAreCutAtTheLastWholeCharacterThatFits) {
+    // 31,999 bytes at most: a character that would cross the limit goes, whole.
+    const std::u16string euroAtTheEdge = std::u16string(31996, u'a') + u"\u20ac\u20ac";  // 31,999 + 3 bytes
+    const std::u16string pairAtTheEdge = std::u16string(31996, u'a') + u"\U0001F600";   // 31,996 + 4 bytes
+    const std::u16string cyrillic(20000, u'\u0436');                                     // 40,000 bytes
+    ASSERT_TRUE(file.OpenFile(Name(), true));
+    file.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
+    for (const std::u16string& text : {euroAtTheEdge, pairAtTheEdge, cyrillic}) file.SaveString(text);
+    file.SaveNumeric(7);
+    ASSERT_TRUE(file.CloseFile());
+    ASSERT_TRUE(file.OpenFile(Name(), false));
+    file.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
+    EXPECT_EQ(file.LoadString(), euroAtTheEdge.substr(0, 31997));
+    EXPECT_EQ(file.LoadString(), pairAtTheEdge.substr(0, 31996));
+    EXPECT_EQ(file.LoadString(), cyrillic.substr(0, 15999));
+    EXPECT_EQ(file.LoadNumeric(), 7);  // each cut string was read whole: nothing after it moved
+    EXPECT_EQ(file.BytesLeft(), 0);
+}
+
+TEST_F(BinaryFileFixture, TheReadLimitCountsUtf8Bytes) {
+    // 16,000 two-byte characters are 32,000 bytes: too long to read, though fewer units.
+    std::string twoByteCharacters;
+    for (int i = 0; i < 16000; ++i) twoByteCharacters += "\xd0\xb6";
+    WriteBytes(N(32000) + twoByteCharacters + N(2) + "\xd0\xb6");
+    ASSERT_TRUE(file.OpenFile(Name(), false));
+    file.SetTextEncoding(clsBinaryFile::TextEncoding::Utf8);
+    EXPECT_EQ(file.LoadString(), u"");
+    file.Skip(32000);
+    EXPECT_EQ(file.LoadString(), u"\u0436");
+}
+
+TEST_F(BinaryFileFixture, AUnitThatDoesNotFitOneByteIsNoticedWhereverItStands) {
+    // Narrowed eight, four or one at a time: a unit of 256 or more at any place counts.
+    ASSERT_TRUE(file.OpenFile(Name(), true));
+    for (size_t n = 1; n <= 24; ++n) {
+        for (size_t at = 0; at < n; ++at) {
+            std::u16string text(n, u'\u00ff');
+            text[at] = static_cast<char16_t>(0x100 << (at % 8));
+            file.Restart();
+            file.SaveString(std::u16string(n, u'\u00ff'));
+            EXPECT_FALSE(file.UnitsDidNotFit()) << n;
+            file.SaveString(text);
+            EXPECT_TRUE(file.UnitsDidNotFit()) << n << " units, the wide one at " << at;
+        }
+    }
+    // Restarting empties the file, also of what went to the disk already, and forgets
+    // the unit.
+    for (int i = 0; i < 4; ++i) file.SaveString(std::u16string(30000, u'x'));
+    file.Restart();
+    EXPECT_FALSE(file.UnitsDidNotFit());
+    file.SaveString(u"ab");
+    ASSERT_TRUE(file.CloseFile());
+    EXPECT_EQ(Bytes(), N(2) + "ab");
 }

@@ -57,3 +57,23 @@ TEST_F(DamagedProjectFile, HugeCountsEndWithTheData) {
     EXPECT_EQ(items.files->item(1)->item(1)->CountVars(), 2);  // the real one and the one read at the end
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
+
+TEST_F(DamagedProjectFile, AFileThatEndsBeforeItsRecordsLoadsWhatItHoldsAndSaysSo) {
+    // Cut inside the header, inside a file record, inside an item's texts.
+    for (size_t n : {size_t(16), real.size() / 2, real.size() - 1}) {
+        SCOPED_TRACE(n);
+        errors.reports.clear();
+        WriteFileBytes(dir / "cut.kpr", real.substr(0, n));
+        Project cut;
+        EXPECT_TRUE(cut.Load(dir / "cut.kpr"));
+        ASSERT_EQ(errors.Seen(), std::vector<std::string>{"clsSaveIntoFile.cls|Function Load|75"});
+        EXPECT_EQ(errors.reports[0].message, "the project file ended early");
+    }
+    // The whole file, and a project that is only a header, end where their records do.
+    errors.reports.clear();
+    EXPECT_TRUE(p.Load(dir / "real.kpr"));
+    Project empty;
+    EXPECT_TRUE(SaveAs("empty.kpr", empty));
+    EXPECT_TRUE(empty.Load(dir / "empty.kpr"));
+    EXPECT_TRUE(errors.reports.empty());
+}

@@ -32,7 +32,7 @@ TEST_F(ProjectFile, SaveLoadSaveGivesTheSameModelAndTheSameBytes) {
     EXPECT_EQ(p.host.id, 1234);
     ASSERT_EQ(p.files->count(), 3);
     EXPECT_EQ(p.files->item(2)->FileName(), u"/lib/util.h");
-    EXPECT_EQ(p.files->item(u"/LIB/UTIL.H"), p.files->item(2));
+    EXPECT_EQ(p.files->item(u"/lib/util.h"), p.files->item(2));
     EXPECT_EQ(p.files->item(2)->item(1)->var(1)->KeyVal(), u"count");
     for (const FilePtr& f : p.files->Files()) EXPECT_FALSE(f->Dirty);
     // Classes with entries get a placeholder node, then the file its node.
@@ -45,7 +45,8 @@ TEST_F(ProjectFile, SaveLoadSaveGivesTheSameModelAndTheSameBytes) {
 
 TEST(ProjectFileSignature, VersionReadsLikeANumber) {
     const std::pair<std::u16string, int32_t> cases[] = {
-        {u"KESTREL1.1", 11}, {u"KESTREL1.0", 10}, {u"KESTREL 2 ", 20},  {u"KESTREL.25", 2},  // 2.5: half to even
+        {u"KESTREL1.1", 11}, {u"KESTREL1.0", 10}, {u"KESTREL1.2", 12}, {u"KESTREL 2 ", 20},
+        {u"KESTREL.25", 2},  // 2.5: half to even
         {u"KESTREL.35", 4},  {u"KESTRELabc", 0},  {u"KESTREL1e1", 100}, {u"KESTREL1x1", 10},
     };
     for (const auto& [signature, version] : cases)
@@ -176,4 +177,21 @@ TEST_F(ProjectFile, ASaveThatCannotWriteAnswersFalseAndKeepsTheOldFile) {
     EXPECT_EQ(RegularFiles(dir), 1);
     fs::permissions(dir.path() / "p.kpr", fs::perms::owner_write, fs::perm_options::add);
     EXPECT_TRUE(p.Save());
+}
+
+TEST_F(ProjectFile, FilesWhoseNamesDifferOnlyInLetterCaseLoadAsTwoWithPosixPaths) {
+    const std::string bytes = ProjectBytes({FileRecord("xt_RATEEST.h", {ClassRecord("A", {ItemRecord("a", 1)})}),
+                                            FileRecord("xt_rateest.h", {ClassRecord("B", {ItemRecord("b", 2)})})});
+    ASSERT_TRUE(LoadBytes(bytes));
+    ASSERT_EQ(p.files->count(), 2);
+    EXPECT_EQ(p.files->item(u"/proj/xt_rateest.h")->item(1)->Name, u"B");
+    ASSERT_TRUE(SaveAs("again.kpr"));
+    EXPECT_EQ(Bytes("again.kpr"), bytes);
+    // With Windows paths they are one file: the second is dropped, as any repeated file.
+    Project windows;
+    windows.sink->style = PathStyle::Windows;
+    windows.sink->ProjectDir = u"C:\\proj\\";
+    ASSERT_TRUE(windows.Load(dir / "p.kpr"));
+    ASSERT_EQ(windows.files->count(), 1);
+    EXPECT_EQ(windows.files->item(1)->RelativeFilename(), u"xt_RATEEST.h");
 }

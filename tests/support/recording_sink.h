@@ -32,6 +32,7 @@ public:
     std::u16string ExtractFilename__(const std::u16string& path, int16_t strip) override {
         return kestrel::ExtractFilename__(path, strip, style);
     }
+    bool FileNamesIgnoreCase() override { return style == PathStyle::Windows; }
 
     void AddFile__(const FilePtr& f) override { calls.push_back("AddFile " + Name(f)); }
     void RemoveFile__(const FilePtr& f) override { calls.push_back("RemoveFile " + Name(f)); }
