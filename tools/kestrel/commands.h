@@ -27,5 +27,8 @@ int RunFind(int argc, char** argv);
 void FindHelp(std::ostream& out);
 int RunSymbols(int argc, char** argv);
 void SymbolsHelp(std::ostream& out);
+// kestrel tags, and the program under the name kestrel-ctags.
+int RunTags(int argc, char** argv);
+void TagsHelp(std::ostream& out);
 
 }  // namespace kestrel::cli

@@ -93,6 +93,11 @@ int32_t FileTypeOfExtension(const std::string& path) {
     return e ? e->type : FILETYPE_NOPARSE;
 }
 
+std::optional<int32_t> LanguageOfExtension(const std::string& path) {
+    if (const ExtensionType* e = Lookup(path)) return e->language;
+    return std::nullopt;
+}
+
 void FileList::AddFile(const std::string& absolutePath) {
     files_.push_back(SourceFile{absolutePath, type_ ? *type_ : FileTypeOfExtension(absolutePath)});
 }

@@ -52,6 +52,8 @@ void ReportFolderWalk(const FileList& list);
 
 // The file type an extension stands for (FILETYPE_NOPARSE for anything unknown).
 int32_t FileTypeOfExtension(const std::string& path);
+// The language family whose files have the path's extension, if any.
+std::optional<int32_t> LanguageOfExtension(const std::string& path);
 
 // One line of progress on standard error, only when it is a terminal and the work
 // has been going on for more than a second.

@@ -1,6 +1,7 @@
 // kestrel: command-line access to the class-view component.
 #include <cstring>
 #include <iostream>
+#include <string_view>
 
 #include "checked_output.h"
 #include "commands.h"
@@ -26,6 +27,7 @@ const Command kCommands[] = {
     {"where", kestrel::cli::RunWhere, kestrel::cli::WhereHelp, "name the function that holds a line of a file"},
     {"find", kestrel::cli::RunFind, kestrel::cli::FindHelp, "find a class, a function or a class's user data"},
     {"symbols", kestrel::cli::RunSymbols, kestrel::cli::SymbolsHelp, "find symbols by a typed, fuzzy query, best first"},
+    {"tags", kestrel::cli::RunTags, kestrel::cli::TagsHelp, "write a tags file as Universal Ctags does (also kestrel-ctags)"},
 };
 
 void Usage(std::ostream& out) {
@@ -43,7 +45,12 @@ const Command* Find(const char* name) {
     return nullptr;
 }
 
+// The name tools that run a ctags program are given: it behaves as "kestrel tags".
+constexpr std::string_view kCtagsName = "kestrel-ctags";
+
 int Run(int argc, char** argv) {
+    const std::string_view self = argc > 0 ? argv[0] : "";
+    if (self.substr(self.rfind('/') + 1) == kCtagsName) return kestrel::cli::RunTags(argc - 1, argv + 1);
     if (argc < 2) {
         Usage(std::cerr);
         return 2;
@@ -52,6 +59,10 @@ int Run(int argc, char** argv) {
     const char* name = argv[1];
     if (std::strcmp(name, "--help") == 0 || std::strcmp(name, "-h") == 0) {
         Usage(std::cout);
+        return 0;
+    }
+    if (std::strcmp(name, "--version") == 0) {
+        std::cout << "kestrel " KESTREL_VERSION "\n";
         return 0;
     }
     if (std::strcmp(name, "help") == 0) {
