@@ -71,6 +71,13 @@ void clsAllFiles::ScanAheadOfAdd(const std::vector<std::pair<std::u16string, int
     addsAhead_ = std::make_unique<ScanAhead>(ScanJobs(absolute, static_cast<int16_t>(to.Language())), scanThreads_);
 }
 
+bool clsAllFiles::AddIsReady(const std::u16string& FileName, int32_t nFileType) const {
+    if (!addsAhead_) return true;
+    std::shared_ptr<ModelSink> sink = sink_.lock();
+    ModelSink& to = Required(sink);
+    return addsAhead_->Ready(to.AbsPath__(FileName), nFileType, static_cast<int16_t>(to.Language()));
+}
+
 std::vector<ScanJob> clsAllFiles::ScanJobs(const std::vector<std::pair<std::u16string, int32_t>>& files,
                                            int16_t language) {
     std::vector<ScanJob> jobs;

@@ -30,6 +30,9 @@ public:
     // scanned on worker threads meanwhile, and each Add takes its file's scan. The
     // project comes out exactly as if Add scanned every file itself.
     void ScanAheadOfAdd(const std::vector<std::pair<std::u16string, int32_t>>& files);
+    // Whether Add of this file would go ahead without waiting for a worker: a caller
+    // that must stay responsive (a window's thread) adds the file only then.
+    bool AddIsReady(const std::u16string& FileName, int32_t nFileType) const;
     // Worker threads for scanning ahead (also used by UpdateAllFiles); 0 scans every
     // file on the calling thread. Starts as one per core, or 0 on a single core.
     void SetScanThreads(unsigned threads) { scanThreads_ = threads; }
