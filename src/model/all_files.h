@@ -2,6 +2,7 @@
 // The project: the ordered, keyed collection of source file records. Files added with
 // Add are keyed by the name as the host gave it, files read from a project file by
 // their absolute name; keys are case-blind.
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -19,7 +20,14 @@ public:
     // Adds, shows and scans a file; nullptr when the key is present already. Errors
     // after the duplicate check (the sink's, the scan's) reach the caller as
     // kestrel::RuntimeError.
-    FilePtr Add(const std::u16string& FileName, int32_t nFileType);
+    FilePtr Add(const std::u16string& FileName, int32_t nFileType) { return AddFile(FileName, nFileType, false); }
+    // Add in portions, for a thread that must keep answering between them: BeginAdd
+    // adds and shows the file and takes its scan (nullptr when the key is present), and
+    // each ContinueAdd files a portion of the scan (RecordedScan::Replay's budget),
+    // returning true once the file is exactly as Add leaves it. Nothing else may change
+    // the project in between.
+    FilePtr BeginAdd(const std::u16string& FileName, int32_t nFileType) { return AddFile(FileName, nFileType, true); }
+    bool ContinueAdd(const FilePtr& file, size_t budget);
     int32_t count() const { return files_.Count(); }
     // By 1-based position, by key, or by the sink's ExtractFilename__ of the key text.
     FilePtr item(int32_t position) const;
@@ -60,6 +68,10 @@ public:
     ~clsAllFiles();
 
 private:
+    FilePtr AddFile(const std::u16string& FileName, int32_t nFileType, bool inPortions);
+    // What Add does once the file's scan is filed.
+    void FinishAdd(const FilePtr& file, ModelSink& to);
+
     // The jobs for the files (absolute names) that are scanned at all.
     static std::vector<ScanJob> ScanJobs(const std::vector<std::pair<std::u16string, int32_t>>& files, int16_t language);
 

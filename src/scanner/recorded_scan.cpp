@@ -44,7 +44,7 @@ void RecordedScan::WriteEndClass__(const std::u16string& className, int32_t endL
 
 void RecordedScan::WriteInclude__(const std::u16string& fileName, int32_t line) { Add(Kind::Include, 0, line, fileName); }
 
-void RecordedScan::Replay(ScanOutput& to) const {
+size_t RecordedScan::Replay(ScanOutput& to, size_t from, size_t budget) const {
     const bool basic = language_ == LANGUAGE_BASIC;
     const std::string_view declarationTitle = basic ? BasicAnalysis::kDeclarationTitle : CAnalysis::kDeclarationTitle;
     const std::string_view variableTitle = basic ? BasicAnalysis::kVariableTitle : CAnalysis::kVariableTitle;
@@ -52,8 +52,12 @@ void RecordedScan::Replay(ScanOutput& to) const {
     std::u16string name, text;
     auto nameOf = [&](const Call& c) -> const std::u16string& { return name.assign(texts_, c.nameAt, c.nameLength); };
     auto textOf = [&](const Call& c) -> const std::u16string& { return text.assign(texts_, c.textAt, c.textLength); };
+    size_t next = calls_.size();  // also where a failing end-of-class or include write leaves it
     Trap(kModule, "Sub SecondPass", [&] {
-        for (const Call& c : calls_) {
+        size_t call = from;
+        for (size_t spent = 0; call < calls_.size() && spent < budget; ++call) {
+            const Call& c = calls_[call];
+            spent += kCallCost + c.nameLength + c.textLength;
             switch (c.kind) {
             case Kind::Declare:
                 Trap(kModule, declarationTitle, [&] { to.WriteDeclare__(nameOf(c), c.line, c.scope, textOf(c)); });
@@ -70,7 +74,9 @@ void RecordedScan::Replay(ScanOutput& to) const {
             }
             }
         }
+        next = call;
     });
+    return next;
 }
 
 }  // namespace kestrel

@@ -3,6 +3,7 @@
 // the error reports raised while it ran, and hands them on in the same order to the
 // real output. Scans can so run on other threads while the model, which is not
 // shared between threads, takes their results on its own.
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -23,7 +24,14 @@ public:
     // it. A write that fails is reported under the title of the scanner's routine that
     // made it; a failing end-of-class or include write ends the replay, as it would end
     // the scanner's second pass.
-    void Replay(ScanOutput& to) const;
+    void Replay(ScanOutput& to) const { Replay(to, 0, SIZE_MAX); }
+    // The same for the calls from `from` on, stopping after the call that uses up
+    // `budget` (a call costs its texts' length and kCallCost): a thread that must keep
+    // answering files a large scan a portion at a time. Returns where the next portion
+    // starts; Calls() once the replay is over.
+    size_t Replay(ScanOutput& to, size_t from, size_t budget) const;
+    size_t Calls() const { return calls_.size(); }
+    static constexpr size_t kCallCost = 64;
 
     const std::u16string& Name() const { return fileName_; }
     int16_t Language() const { return language_; }

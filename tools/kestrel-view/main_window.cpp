@@ -40,6 +40,8 @@ constexpr std::string_view kModule = "main_window.cpp";
 constexpr qint64 kAddSliceMs = 30;
 // How often the window looks again for a scan the workers have not finished.
 constexpr int kScanPollMs = 10;
+// Text filed from a scan between two looks at the clock: a few milliseconds' work.
+constexpr size_t kFilingBudget = 20000;
 // Unreadable files named in a message's text; the rest are in its details.
 constexpr int kFilesNamed = 10;
 
@@ -123,7 +125,10 @@ void MainWindow::ReplaceView(qt::TreeViewWidget* fresh) {
     loadErrors_.clear();
 }
 
+// A file half filed would be saved so, so it is finished first.
 void MainWindow::StopAdding() {
+    if (filing_) Trap(kModule, "Sub StopAdding", [&] { view_->files()->ContinueAdd(filing_, SIZE_MAX); });
+    filing_.reset();
     addTimer_.stop();
     pending_.clear();
     progress_->hide();
@@ -268,17 +273,23 @@ void MainWindow::AddPendingFiles(bool waitForScans) {
     slice.start();
     const AllFilesPtr files = view_->files();
     bool waiting = false;
-    while (!pending_.empty() && (waitForScans || slice.elapsed() < kAddSliceMs)) {
+    while ((filing_ || !pending_.empty()) && (waitForScans || slice.elapsed() < kAddSliceMs)) {
+        if (filing_) {
+            bool filed = true;  // a file whose filing fails is left as far as it got
+            Trap(kModule, "Sub AddPendingFiles", [&] { filed = files->ContinueAdd(filing_, kFilingBudget); });
+            if (filed) filing_.reset();
+            continue;
+        }
         const cli::SourceFile file = pending_.back();
         const std::u16string name = FromUtf8(file.path);
         Trap(kModule, "Sub AddPendingFiles", [&] { waiting = !waitForScans && !files->AddIsReady(name, file.type); });
         if (waiting) break;
         pending_.pop_back();
-        Trap(kModule, "Sub AddPendingFiles", [&] { files->Add(name, file.type); });
+        Trap(kModule, "Sub AddPendingFiles", [&] { filing_ = files->BeginAdd(name, file.type); });
     }
     addTimer_.setInterval(waiting ? kScanPollMs : 0);
     progress_->setValue(pendingTotal_ - static_cast<int>(pending_.size()));
-    if (!pending_.empty()) return;
+    if (filing_ || !pending_.empty()) return;
     if (addTimer_.isActive()) {
         addTimer_.stop();
         progress_->hide();

@@ -93,7 +93,8 @@ private:
     void ChooseFolder();
     void ChooseProject();
     bool SaveProjectWith(bool (TreeView::*save)(), const QString& doneMessage);
-    // Adds the folder's files whose scans are finished; with waitForScans, all of them.
+    // Adds the folder's files whose scans are finished, filing each scan in portions;
+    // with waitForScans, all of them.
     void AddPendingFiles(bool waitForScans);
     void OpenSelection();
     void Rescan();
@@ -115,6 +116,7 @@ private:
     QTimer loadWatch_;
     std::vector<cli::SourceFile> pending_;  // a folder's files still to add, last first
     int pendingTotal_ = 0;
+    FilePtr filing_;  // the file whose scan is being filed, a portion at a time
     FilePtr editedFile_;
     bool loadingText_ = false;
     QString lastError_;
