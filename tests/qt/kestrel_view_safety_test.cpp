@@ -110,6 +110,7 @@ private slots:
         const QByteArray original = Bytes(folder + "/shapes.cpp");
         MainWindow window;
         TypeUnsavedFunction(window, folder, "shapes.cpp");
+        if (QTest::currentTestFailed()) return;
 
         {
             Answer cancel(QMessageBox::Cancel);
@@ -135,6 +136,7 @@ private slots:
         const QString folder = CopyOfExamples();
         MainWindow window;
         TypeUnsavedFunction(window, folder, "shapes.cpp");
+        if (QTest::currentTestFailed()) return;
         {
             Answer cancel(QMessageBox::Cancel);
             QVERIFY(!window.OpenProject(ProjectOf(folder), false));
@@ -154,6 +156,7 @@ private slots:
         const QString folder = CopyOfExamples();
         MainWindow window;
         TypeUnsavedFunction(window, folder, "shapes.cpp");
+        if (QTest::currentTestFailed()) return;
         {
             Answer cancel(QMessageBox::Cancel);
             QVERIFY(!window.close());
