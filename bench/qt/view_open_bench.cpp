@@ -12,37 +12,16 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
 #include "main_window.h"
 #include "model/all_files.h"
 #include "qt/tree_view_widget.h"
+#include "step_meter.h"
 
 namespace {
-
-// The longest gap between two turns of a 1 ms heartbeat: the longest event-loop step.
-class StepMeter {
-public:
-    StepMeter() {
-        heartbeat_.setTimerType(Qt::PreciseTimer);
-        heartbeat_.setInterval(1);
-        QObject::connect(&heartbeat_, &QTimer::timeout, [this] {
-            if (clock_.isValid()) longest_ = std::max(longest_, clock_.nsecsElapsed() / 1e6);
-            clock_.start();
-        });
-        heartbeat_.start();
-    }
-    double TakeLongest() {
-        clock_.invalidate();
-        return std::exchange(longest_, 0.0);
-    }
-
-private:
-    QTimer heartbeat_;
-    QElapsedTimer clock_;
-    double longest_ = 0;
-};
 
 void Write(const QString& path, const QByteArray& text) {
     QFile out(path);
@@ -63,14 +42,15 @@ void WriteModules(const QDir& dir, int files) {
 }
 
 struct Opening {
-    double longestStep = 0, wholeMs = 0;
+    kestrel::bench::StepTime longestStep;
+    double wholeMs = 0;
     int files = 0;
 };
 
 Opening Open(const QString& folder) {
     kestrel::view::MainWindow window;
     window.show();
-    StepMeter meter;
+    kestrel::bench::StepMeter meter;
     QEventLoop settle;
     QTimer::singleShot(50, &settle, &QEventLoop::quit);
     settle.exec();
@@ -78,10 +58,14 @@ Opening Open(const QString& folder) {
     QSignalSpy finished(&window, &kestrel::view::MainWindow::openFinished);
     QElapsedTimer whole;
     whole.start();
-    QTimer::singleShot(0, &window, [&] { window.OpenFolder(folder, true); });
+    // Begun once the heartbeat has started the meter's clock again.
+    QTimer::singleShot(5, &window, [&] { window.OpenFolder(folder, true); });
     if (!finished.wait(600000)) qFatal("the folder did not finish opening");
     Opening result;
     result.wholeMs = whole.nsecsElapsed() / 1e6;
+    // The step that finished the opening ends when the loop next turns.
+    QTimer::singleShot(20, &settle, &QEventLoop::quit);
+    settle.exec();
     result.longestStep = meter.TakeLongest();
     result.files = window.View().files()->count();
     return result;
@@ -105,13 +89,14 @@ int main(int argc, char** argv) {
     Write(QDir(dir.path()).filePath("hostile.bas"), hostile);
     const Opening withHostile = Open(dir.path());
 
-    std::printf("%-44s %6d files %9.0f ms whole, longest step %6.1f ms\n", "folder of ordinary modules (baseline)",
-                baseline.files, baseline.wholeMs, baseline.longestStep);
-    std::printf("%-44s %6d files %9.0f ms whole, longest step %6.1f ms\n",
-                qPrintable(QString("the same with a %1 KB hostile file").arg(hostileKb)), withHostile.files,
-                withHostile.wholeMs, withHostile.longestStep);
-    std::printf("%-44s %6.2f (whole-open time ratio %.1f; target: longest step <= 50 ms)\n",
-                "longest step, hostile / baseline", withHostile.longestStep / std::max(0.1, baseline.longestStep),
+    const auto report = [](const QString& what, const Opening& opening) {
+        std::printf("%-40s %4d files %7.0f ms whole, longest step %6.1f ms (processor %.1f ms)\n", qPrintable(what),
+                    opening.files, opening.wholeMs, opening.longestStep.wall, opening.longestStep.processor);
+    };
+    report("folder of ordinary modules (baseline)", baseline);
+    report(QString("the same with a %1 KB hostile file").arg(hostileKb), withHostile);
+    std::printf("%-40s %6.2f (whole-open time ratio %.1f; target: longest step <= 50 ms)\n",
+                "longest step, hostile / baseline", withHostile.longestStep.wall / std::max(0.1, baseline.longestStep.wall),
                 withHostile.wholeMs / std::max(1.0, baseline.wholeMs));
-    return withHostile.longestStep <= 50 ? 0 : 1;
+    return withHostile.longestStep.wall <= 50 ? 0 : 1;
 }

@@ -100,6 +100,7 @@ bool clsOneFile::ContinueUpdate__(size_t budget) {
         } release{update.running};
         WhileRunning(update.running, [&] {
             update.next = update.scan->Replay(*this, update.next, budget);
+            update.scan->ReleaseBefore(update.next);
             done = update.next == update.scan->Calls();
             if (done) SweepAfterUpdate(sink.get(), update.running.self);
         });

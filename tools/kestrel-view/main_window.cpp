@@ -37,7 +37,7 @@ namespace {
 
 constexpr std::string_view kModule = "main_window.cpp";
 // Time one step of adding a folder's files may take before the window gets its turn.
-constexpr qint64 kAddSliceMs = 30;
+constexpr qint64 kAddSliceMs = 20;
 // How often the window looks again for a scan the workers have not finished.
 constexpr int kScanPollMs = 10;
 // Text filed from a scan between two looks at the clock: a few milliseconds' work.
