@@ -105,6 +105,11 @@ TEST(ScanAhead, AddsAndRescansOnWorkersAreIndistinguishableFromScanningInPlace) 
 
 TEST(ScanAhead, AddsFiledInPortionsAreIndistinguishableFromAdd) {
     Folder folder;
+    // Parameter texts of over a million code units in all: the scan keeps them in
+    // several buffers, freed as the portions pass them.
+    std::string large;
+    for (int i = 0; i < 30; ++i) large += "void large" + std::to_string(i) + "(int " + std::string(40000, 'a' + i % 26) + ");\n";
+    folder.Add("large.cpp", large, FILETYPE_IMPLEMENTATION);
     ObservedRun whole(0);
     whole.Observe([&] {
         for (const auto& [name, type] : folder.files) whole.files->Add(name, type);
