@@ -4,7 +4,7 @@
 // parameter list gathers from the lines after it. However slow that one file is to
 // scan, the window must keep answering.
 //
-//   kestrel_view_open_bench [HOSTILE_KB [FILES]]   (default 64 200)
+//   kestrel_view_open_bench [HOSTILE_KB [FILES]]   (default 256 200)
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -76,7 +76,7 @@ Opening Open(const QString& folder) {
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    const int hostileKb = argc > 1 ? std::atoi(argv[1]) : 64;
+    const int hostileKb = argc > 1 ? std::atoi(argv[1]) : 256;
     const int files = argc > 2 ? std::atoi(argv[2]) : 200;
 
     QTemporaryDir dir;
