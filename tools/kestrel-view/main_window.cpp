@@ -125,9 +125,12 @@ void MainWindow::ReplaceView(qt::TreeViewWidget* fresh) {
     loadErrors_.clear();
 }
 
-// A file half filed would be saved so, so it is finished first.
+void MainWindow::FinishFiling() {
+    if (filing_) Trap(kModule, "Sub FinishFiling", [&] { view_->files()->ContinueAdd(filing_, SIZE_MAX); });
+    filing_.reset();
+}
+
 void MainWindow::StopAdding() {
-    if (filing_) Trap(kModule, "Sub StopAdding", [&] { view_->files()->ContinueAdd(filing_, SIZE_MAX); });
     filing_.reset();
     addTimer_.stop();
     pending_.clear();
@@ -157,6 +160,7 @@ bool MainWindow::MayDropEditedText() {
         case QMessageBox::Discard:
             // The project must not keep the symbols of text that was never saved.
             rescanTimer_.stop();
+            FinishFiling();
             editedFile_->UpdateFile();
             editor_->document()->setModified(false);
             return true;
@@ -384,6 +388,7 @@ bool MainWindow::SaveProjectComplete() {
 bool MainWindow::SaveProjectWith(bool (TreeView::*save)(), const QString& doneMessage) {
     const QString file = TextOf(view_->control().FileName());
     if (file.isEmpty() || AskBeforeSavingOver(false) != QMessageBox::Save) return false;
+    FinishFiling();
     if (!(view_->control().*save)()) {
         Report(tr("The project could not be written to %1").arg(file));
         return false;
@@ -399,6 +404,7 @@ bool MainWindow::CloseProject() {
     if (!MayDropEditedText()) return false;
     const int choice = AskBeforeSavingOver(true);
     if (choice == QMessageBox::Cancel) return false;
+    FinishFiling();
     StopAdding();
     ForgetEditedFile();
     if (choice == QMessageBox::Save) view_->control().CloseProject();
@@ -486,6 +492,7 @@ void MainWindow::OpenSelection() {
 
 void MainWindow::Rescan() {
     if (!editedFile_) return;
+    FinishFiling();
     DocumentLines lines(*editor_->document());
     Trap(kModule, "Sub Rescan", [&] { editedFile_->UpdateEmbeededFile(lines); });
     ShowCursorPlace();

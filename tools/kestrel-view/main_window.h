@@ -81,6 +81,10 @@ private:
     void BuildActions();
     qt::TreeViewWidget* MakeView();
     void ReplaceView(qt::TreeViewWidget* fresh);
+    // Files the rest of the file being filed: a project is saved, and a file updated
+    // otherwise, only whole.
+    void FinishFiling();
+    // Drops the folder's files not added yet (and the one being filed: its project goes).
     void StopAdding();
     void ForgetEditedFile();
     // Save, Discard or Cancel for unsaved editor text; true when it may go.
