@@ -74,15 +74,14 @@ int main(int argc, char** argv) {
 
     kestrel::view::MainWindow window;
     const bool drawOnly = parser.isSet(screenshot);
+    // Shown first, so that what opening the path has to say comes as messages over it.
+    if (!drawOnly) window.show();
     if (!paths.isEmpty() && !window.OpenPath(paths.first(), !drawOnly)) {
         std::fprintf(stderr, "kestrel-view: %s\n", qPrintable(window.LastError()));
         if (drawOnly) return 1;
     }
     if (parser.isSet(expand)) window.ExpandAllClasses();
-    if (!drawOnly) {
-        window.show();
-        return app.exec();
-    }
+    if (!drawOnly) return app.exec();
 
     // With the project open at once (no timed loading), the picture shows all of it;
     // the window is laid out first so the code pane scrolls to the function properly.
