@@ -14,7 +14,7 @@ constexpr std::string_view kModule = "clsAllFiles.cls";
 
 clsAllFiles::~clsAllFiles() { RemoveAllFiles__(); }
 
-FilePtr clsAllFiles::Add(const std::u16string& FileName, int32_t nFileType) {
+FilePtr clsAllFiles::AddFile(const std::u16string& FileName, int32_t nFileType, bool inPortions) {
     if (std::shared_ptr<ModelSink> sink = sink_.lock()) FollowFileNameCase(*sink);
     if (files_.Contains(FileName)) return nullptr;
     // From here on errors are not trapped: they reach the host.
@@ -26,11 +26,26 @@ FilePtr clsAllFiles::Add(const std::u16string& FileName, int32_t nFileType) {
     std::shared_ptr<ModelSink> sink = sink_.lock();
     ModelSink& to = Required(sink);
     to.AddFile__(file);
-    file->UpdateFile__(sink.get(), static_cast<int16_t>(to.Language()), nullptr, addsAhead_.get());
+    const auto language = static_cast<int16_t>(to.Language());
+    if (inPortions)
+        file->BeginUpdate__(sink.get(), language, addsAhead_.get());
+    else
+        file->UpdateFile__(sink.get(), language, nullptr, addsAhead_.get());
     if (addsAhead_ && addsAhead_->AllTaken()) addsAhead_.reset();
+    if (!inPortions) FinishAdd(file, to);
+    return file;
+}
+
+bool clsAllFiles::ContinueAdd(const FilePtr& file, size_t budget) {
+    if (!file->ContinueUpdate__(budget)) return false;
+    std::shared_ptr<ModelSink> sink = sink_.lock();
+    FinishAdd(file, Required(sink));
+    return true;
+}
+
+void clsAllFiles::FinishAdd(const FilePtr& file, ModelSink& to) {
     file->Dirty = true;
     for (int32_t i = 1; i <= file->count(); ++i) to.AddClassNode__WithDummy(file->Classes().At(i), file);
-    return file;
 }
 
 FilePtr clsAllFiles::item(int32_t position) const { return files_.At(position); }
@@ -70,6 +85,13 @@ void clsAllFiles::ScanAheadOfAdd(const std::vector<std::pair<std::u16string, int
     std::vector<std::pair<std::u16string, int32_t>> absolute;
     for (const auto& [name, type] : files) absolute.emplace_back(to.AbsPath__(name), type);
     addsAhead_ = std::make_unique<ScanAhead>(ScanJobs(absolute, static_cast<int16_t>(to.Language())), scanThreads_);
+}
+
+bool clsAllFiles::AddIsReady(const std::u16string& FileName, int32_t nFileType) const {
+    if (!addsAhead_) return true;
+    std::shared_ptr<ModelSink> sink = sink_.lock();
+    ModelSink& to = Required(sink);
+    return addsAhead_->Ready(to.AbsPath__(FileName), nFileType, static_cast<int16_t>(to.Language()));
 }
 
 std::vector<ScanJob> clsAllFiles::ScanJobs(const std::vector<std::pair<std::u16string, int32_t>>& files,

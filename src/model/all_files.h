@@ -3,6 +3,7 @@
 // Add are keyed by the name as the host gave it, files read from a project file by
 // their absolute name; keys are case-blind where the sink's file names are, and exact
 // otherwise.
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -20,7 +21,14 @@ public:
     // Adds, shows and scans a file; nullptr when the key is present already. Errors
     // after the duplicate check (the sink's, the scan's) reach the caller as
     // kestrel::RuntimeError.
-    FilePtr Add(const std::u16string& FileName, int32_t nFileType);
+    FilePtr Add(const std::u16string& FileName, int32_t nFileType) { return AddFile(FileName, nFileType, false); }
+    // Add in portions, for a thread that must keep answering between them: BeginAdd
+    // adds and shows the file and takes its scan (nullptr when the key is present), and
+    // each ContinueAdd files a portion of the scan (RecordedScan::Replay's budget),
+    // returning true once the file is exactly as Add leaves it. Nothing else may change
+    // the project in between.
+    FilePtr BeginAdd(const std::u16string& FileName, int32_t nFileType) { return AddFile(FileName, nFileType, true); }
+    bool ContinueAdd(const FilePtr& file, size_t budget);
     int32_t count() const { return files_.Count(); }
     // By 1-based position, by key, or by the sink's ExtractFilename__ of the key text.
     FilePtr item(int32_t position) const;
@@ -31,6 +39,9 @@ public:
     // scanned on worker threads meanwhile, and each Add takes its file's scan. The
     // project comes out exactly as if Add scanned every file itself.
     void ScanAheadOfAdd(const std::vector<std::pair<std::u16string, int32_t>>& files);
+    // Whether Add of this file would go ahead without waiting for a worker: a caller
+    // that must stay responsive (a window's thread) adds the file only then.
+    bool AddIsReady(const std::u16string& FileName, int32_t nFileType) const;
     // Worker threads for scanning ahead (also used by UpdateAllFiles); 0 scans every
     // file on the calling thread. Starts as one per core, or 0 on a single core.
     void SetScanThreads(unsigned threads) { scanThreads_ = threads; }
@@ -60,6 +71,10 @@ public:
 private:
     // Takes the sink's rule for letter case in file names, while the project is empty.
     void FollowFileNameCase(ModelSink& sink) { files_.CompareKeysExactly(!sink.FileNamesIgnoreCase()); }
+    FilePtr AddFile(const std::u16string& FileName, int32_t nFileType, bool inPortions);
+    // What Add does once the file's scan is filed.
+    void FinishAdd(const FilePtr& file, ModelSink& to);
+
     // The jobs for the files (absolute names) that are scanned at all.
     static std::vector<ScanJob> ScanJobs(const std::vector<std::pair<std::u16string, int32_t>>& files, int16_t language);
 

@@ -54,39 +54,78 @@ void clsOneFile::UpdateEmbeededFile(LineSource& SourceObject) {
     });
 }
 
+bool clsOneFile::MarkForUpdate(ModelSink* sink) {
+    stored_ = Required(sink).RelativePathToProject__(FileName());
+    if (fileType_ == FILETYPE_FORM || fileType_ == FILETYPE_NOPARSE) return false;  // listed, never scanned
+    Dirty = true;
+    for (const ClassPtr& c : classes_) c->PrepareUpdate__();
+    return true;
+}
+
+// Members not seen again go first, then every class left empty.
+void clsOneFile::SweepAfterUpdate(ModelSink* sink, const FilePtr& self) {
+    classes_.RemoveWhere([&](const ClassPtr& c) {
+        c->FinishUpdate__(sink, self);
+        if (c->CountFunc() != 0 || c->CountVars() != 0) return false;
+        Required(sink).RemoveClass__(c, self);
+        return true;
+    });
+}
+
+void clsOneFile::BeginUpdate__(ModelSink* sink, int16_t language, ScanAhead* scanned) {
+    portioned_.reset();
+    Trap(kModule, "Sub UpdateFile__", [&] {
+        if (!MarkForUpdate(sink)) return;
+        auto update = std::make_unique<PortionedUpdate>();
+        update->scan = scanned ? scanned->Take(FileName(), fileType_, language) : nullptr;
+        if (!update->scan) {
+            update->scan = std::make_unique<RecordedScan>(FileName(), fileType_, language);
+            update->scan->Scan();
+        }
+        portioned_ = std::move(update);
+    });
+}
+
+bool clsOneFile::ContinueUpdate__(size_t budget) {
+    if (!portioned_) return true;
+    bool done = true;  // an error ends the update where it got to, as in UpdateFile__
+    Trap(kModule, "Sub UpdateFile__", [&] {
+        PortionedUpdate& update = *portioned_;
+        const std::shared_ptr<ModelSink> sink = sink_.lock();
+        update.running.sink = sink.get();
+        update.running.self = shared_from_this();
+        struct Release {
+            RunningUpdate& running;
+            ~Release() { running.self.reset(); }
+        } release{update.running};
+        WhileRunning(update.running, [&] {
+            update.next = update.scan->Replay(*this, update.next, budget);
+            update.scan->ReleaseBefore(update.next);
+            done = update.next == update.scan->Calls();
+            if (done) SweepAfterUpdate(sink.get(), update.running.self);
+        });
+    });
+    if (done) portioned_.reset();
+    return done;
+}
+
 void clsOneFile::UpdateFile__(ModelSink* sink, int16_t language, LineSource* source, ScanAhead* scanned) {
     Trap(kModule, "Sub UpdateFile__", [&] {
-        stored_ = Required(sink).RelativePathToProject__(FileName());
-        if (fileType_ == FILETYPE_FORM || fileType_ == FILETYPE_NOPARSE) return;  // listed, never scanned
-
-        Dirty = true;
-        for (const ClassPtr& c : classes_) c->PrepareUpdate__();
+        if (!MarkForUpdate(sink)) return;
         RunningUpdate running;
         running.sink = sink;
         running.self = shared_from_this();
-        update_ = &running;
-        struct ForgetUpdate {
-            RunningUpdate*& slot;
-            ~ForgetUpdate() { slot = nullptr; }
-        } forget{update_};
-
-        std::unique_ptr<RecordedScan> recorded =
-            scanned && !source ? scanned->Take(FileName(), fileType_, language) : nullptr;
-        clsQuillbox scanner;
-        if (recorded)
-            recorded->Replay(*this);
-        else if (source)
-            scanner.ParseEmbeededFile(*this, language, *source);
-        else
-            scanner.ParseFile(*this, language);
-
-        // Members not seen again go first, then every class left empty.
-        const FilePtr& self = running.self;
-        classes_.RemoveWhere([&](const ClassPtr& c) {
-            c->FinishUpdate__(sink, self);
-            if (c->CountFunc() != 0 || c->CountVars() != 0) return false;
-            Required(sink).RemoveClass__(c, self);
-            return true;
+        WhileRunning(running, [&] {
+            std::unique_ptr<RecordedScan> recorded =
+                scanned && !source ? scanned->Take(FileName(), fileType_, language) : nullptr;
+            clsQuillbox scanner;
+            if (recorded)
+                recorded->Replay(*this);
+            else if (source)
+                scanner.ParseEmbeededFile(*this, language, *source);
+            else
+                scanner.ParseFile(*this, language);
+            SweepAfterUpdate(sink, running.self);
         });
     });
 }

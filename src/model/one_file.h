@@ -3,12 +3,14 @@
 // it. It runs its own rescans: the scanner reports every declaration back through the
 // ScanOutput operations, which are merged into the classes by mark-and-sweep.
 #include <cstdint>
+#include <cstddef>
 #include <memory>
 #include <string>
 
 #include "model/class_object.h"
 #include "model/keyed_collection.h"
 #include "model/model_sink.h"
+#include "scanner/recorded_scan.h"
 #include "scanner/scan_ahead.h"
 #include "scanner/scan_output.h"
 
@@ -57,6 +59,13 @@ public:
     // Stores the name project-relative, then (unless a form or unparsed file) marks,
     // scans through the scanner and sweeps what was not seen again.
     void UpdateFile__(ModelSink* sink, int16_t language, LineSource* source, ScanAhead* scanned = nullptr);
+    // UpdateFile__ from disk in portions, for a thread that must keep answering between
+    // them: BeginUpdate__ takes the scan from `scanned` (or scans here when it has none),
+    // each ContinueUpdate__ files a portion of it (RecordedScan::Replay's budget) and
+    // sweeps after the last, returning true then. The file ends exactly as
+    // UpdateFile__ leaves it, provided nothing else changes it in between.
+    void BeginUpdate__(ModelSink* sink, int16_t language, ScanAhead* scanned);
+    bool ContinueUpdate__(size_t budget);
     // Splits "Class::Member"; no "::" or an empty class name means "Globals".
     static void ExtractClassInfo(const std::u16string& fullName, std::u16string& className,
                                  std::u16string& memberName);
@@ -88,6 +97,10 @@ private:
     // update's, else the file's own (kept alive in held).
     ModelSink* WriteSink(std::shared_ptr<ModelSink>& held);
     const FilePtr& WriteSelf(FilePtr& held);
+    // The steps of an update before and after the scan: false from the first when the
+    // file is not scanned at all.
+    bool MarkForUpdate(ModelSink* sink);
+    void SweepAfterUpdate(ModelSink* sink, const FilePtr& self);
 
     int32_t fileType_ = 0;
     std::u16string stored_;
@@ -105,6 +118,24 @@ private:
         uint32_t removals = 0;  // classes_.Removals() when it was found
     };
     RunningUpdate* update_ = nullptr;
+    // Runs body with `running` as the running update.
+    template <class Body>
+    void WhileRunning(RunningUpdate& running, Body&& body) {
+        update_ = &running;
+        struct Forget {
+            RunningUpdate*& slot;
+            ~Forget() { slot = nullptr; }
+        } forget{update_};
+        body();
+    }
+    // An update filed in portions, between them. It holds neither the file nor its sink
+    // (the file would keep itself alive); each portion takes them afresh.
+    struct PortionedUpdate {
+        RunningUpdate running;
+        std::unique_ptr<RecordedScan> scan;
+        size_t next = 0;
+    };
+    std::unique_ptr<PortionedUpdate> portioned_;
 };
 
 }  // namespace kestrel

@@ -16,7 +16,7 @@ constexpr std::string_view kModule = "clsQuillbox.cls";
 
 void RecordedScan::Scan() {
     ErrorDiversion keep([this](const ErrorReport& r) {
-        calls_.push_back(Call{Kind::Report, 0, r.number, reports_.size()});
+        calls_.push_back(Call{Kind::Report, 0, r.number, texts_.empty() ? 0 : texts_.size() - 1, reports_.size()});
         reports_.push_back(Report{std::string(r.module), std::string(r.title), std::string(r.message)});
     });
     clsQuillbox scanner;
@@ -24,8 +24,17 @@ void RecordedScan::Scan() {
 }
 
 void RecordedScan::Add(Kind kind, int16_t scope, int32_t line, const std::u16string& name, const std::u16string& text) {
-    calls_.push_back(Call{kind, scope, line, texts_.size(), name.size(), texts_.size() + name.size(), text.size()});
-    texts_.append(name).append(text);
+    if (texts_.empty() || (!texts_.back().empty() && texts_.back().size() + name.size() + text.size() > kChunkUnits))
+        texts_.emplace_back();
+    std::u16string& buffer = texts_.back();
+    calls_.push_back(
+        Call{kind, scope, line, texts_.size() - 1, buffer.size(), name.size(), buffer.size() + name.size(), text.size()});
+    buffer.append(name).append(text);
+}
+
+void RecordedScan::ReleaseBefore(size_t call) {
+    const size_t firstKept = call < calls_.size() ? calls_[call].chunk : texts_.size();
+    for (size_t chunk = 0; chunk < firstKept; ++chunk) std::u16string().swap(texts_[chunk]);
 }
 
 void RecordedScan::WriteDeclare__(const std::u16string& fullName, int32_t line, int16_t scope,
@@ -44,16 +53,24 @@ void RecordedScan::WriteEndClass__(const std::u16string& className, int32_t endL
 
 void RecordedScan::WriteInclude__(const std::u16string& fileName, int32_t line) { Add(Kind::Include, 0, line, fileName); }
 
-void RecordedScan::Replay(ScanOutput& to) const {
+size_t RecordedScan::Replay(ScanOutput& to, size_t from, size_t budget) const {
     const bool basic = language_ == LANGUAGE_BASIC;
     const std::string_view declarationTitle = basic ? BasicAnalysis::kDeclarationTitle : CAnalysis::kDeclarationTitle;
     const std::string_view variableTitle = basic ? BasicAnalysis::kVariableTitle : CAnalysis::kVariableTitle;
     // The texts are handed on in two strings whose room every call reuses.
     std::u16string name, text;
-    auto nameOf = [&](const Call& c) -> const std::u16string& { return name.assign(texts_, c.nameAt, c.nameLength); };
-    auto textOf = [&](const Call& c) -> const std::u16string& { return text.assign(texts_, c.textAt, c.textLength); };
+    auto nameOf = [&](const Call& c) -> const std::u16string& {
+        return name.assign(texts_[c.chunk], c.nameAt, c.nameLength);
+    };
+    auto textOf = [&](const Call& c) -> const std::u16string& {
+        return text.assign(texts_[c.chunk], c.textAt, c.textLength);
+    };
+    size_t next = calls_.size();  // also where a failing end-of-class or include write leaves it
     Trap(kModule, "Sub SecondPass", [&] {
-        for (const Call& c : calls_) {
+        size_t call = from;
+        for (size_t spent = 0; call < calls_.size() && spent < budget; ++call) {
+            const Call& c = calls_[call];
+            spent += kCallCost + c.nameLength + c.textLength;
             switch (c.kind) {
             case Kind::Declare:
                 Trap(kModule, declarationTitle, [&] { to.WriteDeclare__(nameOf(c), c.line, c.scope, textOf(c)); });
@@ -70,7 +87,9 @@ void RecordedScan::Replay(ScanOutput& to) const {
             }
             }
         }
+        next = call;
     });
+    return next;
 }
 
 }  // namespace kestrel

@@ -46,12 +46,23 @@ void ScanAhead::Work() {
     }
 }
 
-std::unique_ptr<RecordedScan> ScanAhead::Take(const std::u16string& fileName, int32_t fileType, int16_t language) {
-    std::unique_lock<std::mutex> hold(lock_);
+size_t ScanAhead::FindJob(const std::u16string& fileName, int32_t fileType, int16_t language) const {
     size_t job = nextToTake_;
     while (job < jobs_.size() &&
            (jobs_[job].fileName != fileName || jobs_[job].fileType != fileType || jobs_[job].language != language))
         ++job;
+    return job;
+}
+
+bool ScanAhead::Ready(const std::u16string& fileName, int32_t fileType, int16_t language) {
+    std::lock_guard<std::mutex> hold(lock_);
+    const size_t job = FindJob(fileName, fileType, language);
+    return job == jobs_.size() || done_[job] != nullptr;
+}
+
+std::unique_ptr<RecordedScan> ScanAhead::Take(const std::u16string& fileName, int32_t fileType, int16_t language) {
+    std::unique_lock<std::mutex> hold(lock_);
+    const size_t job = FindJob(fileName, fileType, language);
     if (job == jobs_.size()) return nullptr;
     for (size_t skipped = nextToTake_; skipped < job; ++skipped) done_[skipped].reset();
     nextToTake_ = job + 1;

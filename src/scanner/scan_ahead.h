@@ -34,6 +34,10 @@ public:
     // dropped. nullptr when no later job matches: the caller scans for itself.
     std::unique_ptr<RecordedScan> Take(const std::u16string& fileName, int32_t fileType, int16_t language);
 
+    // True when Take with the same arguments would return at once, so that a thread
+    // that must not wait (a window's) can come back later instead.
+    bool Ready(const std::u16string& fileName, int32_t fileType, int16_t language);
+
     // True once every job has been taken or passed by.
     bool AllTaken();
 
@@ -42,6 +46,8 @@ public:
 
 private:
     void Work();
+    // The first job from nextToTake_ on for this file, type and language; jobs_.size() if none.
+    size_t FindJob(const std::u16string& fileName, int32_t fileType, int16_t language) const;
 
     std::vector<ScanJob> jobs_;
     std::vector<std::unique_ptr<RecordedScan>> done_;

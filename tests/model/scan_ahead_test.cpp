@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <thread>
 
 #include "common/constants.h"
 #include "model/all_files.h"
@@ -99,5 +100,36 @@ TEST(ScanAhead, AddsAndRescansOnWorkersAreIndistinguishableFromScanningInPlace) 
         FilePtr same = runs[0].files->FindFile(f->FileName());
         ASSERT_TRUE(same);
         EXPECT_EQ(f->count(), same->count()) << ToUtf8(f->FileName());
+    }
+}
+
+TEST(ScanAhead, AddsFiledInPortionsAreIndistinguishableFromAdd) {
+    Folder folder;
+    // Parameter texts of over a million code units in all: the scan keeps them in
+    // several buffers, freed as the portions pass them.
+    std::string large;
+    for (int i = 0; i < 30; ++i) large += "void large" + std::to_string(i) + "(int " + std::string(40000, 'a' + i % 26) + ");\n";
+    folder.Add("large.cpp", large, FILETYPE_IMPLEMENTATION);
+    ObservedRun whole(0);
+    whole.Observe([&] {
+        for (const auto& [name, type] : folder.files) whole.files->Add(name, type);
+    });
+    // The smallest budget files one call per portion; scanned ahead on workers or here.
+    for (unsigned threads : {0u, 2u}) {
+        ObservedRun portioned(threads);
+        size_t portions = 0;
+        portioned.Observe([&] {
+            portioned.files->ScanAheadOfAdd(folder.files);
+            for (const auto& [name, type] : folder.files) {
+                while (!portioned.files->AddIsReady(name, type)) std::this_thread::yield();
+                const FilePtr file = portioned.files->BeginAdd(name, type);
+                ASSERT_TRUE(file);
+                do ++portions;
+                while (!portioned.files->ContinueAdd(file, 1));
+            }
+        });
+        EXPECT_GT(portions, 3 * folder.files.size());  // a class, its variable and its function each
+        EXPECT_EQ(portioned.observed, whole.observed) << threads << " threads";
+        EXPECT_FALSE(portioned.files->BeginAdd(folder.files[0].first, folder.files[0].second));  // present already
     }
 }

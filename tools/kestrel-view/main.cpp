@@ -5,6 +5,7 @@
 #include <QCommandLineParser>
 #include <QImage>
 #include <cstdio>
+#include <cstdlib>
 
 #include "errorlog/errorlog.h"
 #include "main_window.h"
@@ -21,13 +22,27 @@ bool NeedsNoDisplay(int argc, char** argv) {
     return false;
 }
 
+QtMessageHandler qtMessages = nullptr;
+
+// Qt ends the program (abort) when it cannot open the window system; that can only
+// mean there is no display to show the window on, which is said plainly instead.
+void NoDisplayFatal(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (type != QtFatalMsg) return qtMessages(type, context, text);
+    std::fprintf(stderr,
+                 "kestrel-view: a display is needed to show the window, and none could be opened\n"
+                 "kestrel-view: --screenshot FILE.png draws the window without one\n");
+    std::_Exit(1);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     if (NeedsNoDisplay(argc, argv) && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+    qtMessages = qInstallMessageHandler(NoDisplayFatal);
     QApplication app(argc, argv);
+    qInstallMessageHandler(qtMessages);
     QApplication::setApplicationName(QStringLiteral("kestrel-view"));
 
     QCommandLineParser parser;
@@ -59,15 +74,14 @@ int main(int argc, char** argv) {
 
     kestrel::view::MainWindow window;
     const bool drawOnly = parser.isSet(screenshot);
+    // Shown first, so that what opening the path has to say comes as messages over it.
+    if (!drawOnly) window.show();
     if (!paths.isEmpty() && !window.OpenPath(paths.first(), !drawOnly)) {
         std::fprintf(stderr, "kestrel-view: %s\n", qPrintable(window.LastError()));
         if (drawOnly) return 1;
     }
     if (parser.isSet(expand)) window.ExpandAllClasses();
-    if (!drawOnly) {
-        window.show();
-        return app.exec();
-    }
+    if (!drawOnly) return app.exec();
 
     // With the project open at once (no timed loading), the picture shows all of it;
     // the window is laid out first so the code pane scrolls to the function properly.

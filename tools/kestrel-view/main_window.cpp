@@ -2,6 +2,7 @@
 
 #include <QActionGroup>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -28,6 +29,7 @@
 #include "qt/conversions.h"
 #include "qt/tree_view_widget.h"
 #include "qt/tree_widget.h"
+#include "scanner/scan_ahead.h"
 
 namespace kestrel::view {
 
@@ -35,7 +37,19 @@ namespace {
 
 constexpr std::string_view kModule = "main_window.cpp";
 // Time one step of adding a folder's files may take before the window gets its turn.
-constexpr qint64 kAddSliceMs = 30;
+constexpr qint64 kAddSliceMs = 20;
+// How often the window looks again for a scan the workers have not finished.
+constexpr int kScanPollMs = 10;
+// Text filed from a scan between two looks at the clock: a few milliseconds' work.
+constexpr size_t kFilingBudget = 20000;
+// Unreadable files named in a message's text; the rest are in its details.
+constexpr int kFilesNamed = 10;
+
+// A report kept while a project is read, to be passed on to the handler afterwards.
+struct HeldReport {
+    std::string module, title, message;
+    int number;
+};
 
 QString TextOf(std::u16string_view text) { return qt::ToQString(text); }
 
@@ -52,19 +66,18 @@ ClassPtr ClassHolding(const FilePtr& file, const ItemPtr& item) {
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent),
-      view_(new qt::TreeViewWidget),
+      splitter_(new QSplitter(Qt::Horizontal)),
+      view_(MakeView()),
       editor_(new CodeEditor),
       place_(new QLabel),
       progress_(new QProgressBar),
       viewStyles_(new QActionGroup(this)) {
-    auto* splitter = new QSplitter(Qt::Horizontal);
-    splitter->addWidget(view_);
-    splitter->addWidget(editor_);
-    splitter->setStretchFactor(0, 0);
-    splitter->setStretchFactor(1, 1);
-    splitter->setSizes({340, 760});
-    setCentralWidget(splitter);
-    view_->setAutoToolTip(true);
+    splitter_->addWidget(view_);
+    splitter_->addWidget(editor_);
+    splitter_->setStretchFactor(0, 0);
+    splitter_->setStretchFactor(1, 1);
+    splitter_->setSizes({340, 760});
+    setCentralWidget(splitter_);
     editor_->setReadOnly(true);
     editor_->setPlaceholderText(tr("Open a folder or a project, then double-click a function or variable."));
 
@@ -80,21 +93,110 @@ MainWindow::MainWindow(QWidget* parent)
     addTimer_.setInterval(0);
     loadWatch_.setInterval(100);
     connect(&rescanTimer_, &QTimer::timeout, this, &MainWindow::Rescan);
-    connect(&addTimer_, &QTimer::timeout, this, &MainWindow::AddPendingFiles);
+    connect(&addTimer_, &QTimer::timeout, this, [this] { AddPendingFiles(false); });
     connect(&loadWatch_, &QTimer::timeout, this, &MainWindow::FollowTimedLoad);
-    connect(view_, &qt::TreeViewWidget::DblClick, this, &MainWindow::OpenSelection);
-    connect(view_, &qt::TreeViewWidget::propertyChanged, this, [this](const QString& name) {
-        if (name == QLatin1String("ViewStyle")) viewStyles_->actions().value(view_->viewStyle())->setChecked(true);
-    });
     connect(editor_, &QPlainTextEdit::textChanged, this, [this] {
         if (!loadingText_ && editedFile_) rescanTimer_.start();
     });
+    connect(editor_->document(), &QTextDocument::modificationChanged, this, &MainWindow::SetProjectTitle);
     connect(editor_, &QPlainTextEdit::cursorPositionChanged, this, &MainWindow::ShowCursorPlace);
     SetProjectTitle();
     resize(1100, 720);
 }
 
 MainWindow::~MainWindow() = default;
+
+qt::TreeViewWidget* MainWindow::MakeView() {
+    auto* view = new qt::TreeViewWidget;
+    view->setAutoToolTip(true);
+    // Folders are scanned on workers even on one core: the window's thread must not scan.
+    view->files()->SetScanThreads(std::max(1u, ScanAhead::UsefulThreads()));
+    connect(view, &qt::TreeViewWidget::DblClick, this, &MainWindow::OpenSelection);
+    connect(view, &qt::TreeViewWidget::propertyChanged, this, [this, view](const QString& name) {
+        if (name == QLatin1String("ViewStyle")) viewStyles_->actions().value(view->viewStyle())->setChecked(true);
+    });
+    return view;
+}
+
+void MainWindow::ReplaceView(qt::TreeViewWidget* fresh) {
+    fresh->setViewStyle(view_->viewStyle());
+    delete splitter_->replaceWidget(0, fresh);
+    view_ = fresh;
+    loadErrors_.clear();
+}
+
+void MainWindow::FinishFiling() {
+    if (filing_) Trap(kModule, "Sub FinishFiling", [&] { view_->files()->ContinueAdd(filing_, SIZE_MAX); });
+    filing_.reset();
+}
+
+void MainWindow::StopAdding() {
+    filing_.reset();
+    addTimer_.stop();
+    pending_.clear();
+    progress_->hide();
+}
+
+void MainWindow::ForgetEditedFile() {
+    rescanTimer_.stop();
+    editedFile_.reset();
+    loadingText_ = true;
+    editor_->clear();
+    loadingText_ = false;
+    editor_->document()->setModified(false);
+    editor_->setReadOnly(true);
+}
+
+bool MainWindow::MayDropEditedText() {
+    if (!editedFile_ || !editor_->document()->isModified()) return true;
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("kestrel-view"),
+                    tr("%1 has changes that are not saved.").arg(TextOf(editedFile_->FileName())),
+                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+    box.setInformativeText(tr("Save them before going on?"));
+    box.setDefaultButton(QMessageBox::Save);
+    switch (box.exec()) {
+        case QMessageBox::Save:
+            return SaveSourceFile();
+        case QMessageBox::Discard:
+            // The project must not keep the symbols of text that was never saved.
+            rescanTimer_.stop();
+            FinishFiling();
+            editedFile_->UpdateFile();
+            editor_->document()->setModified(false);
+            return true;
+        default:
+            return false;
+    }
+}
+
+int MainWindow::AskBeforeSavingOver(bool closing) {
+    if (loadErrors_.isEmpty()) return QMessageBox::Save;
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("kestrel-view"),
+                    tr("Reading %1 reported an error, so it may hold more than was read.")
+                        .arg(TextOf(view_->control().FileName())),
+                    QMessageBox::Save | (closing ? QMessageBox::Discard : QMessageBox::NoButton) | QMessageBox::Cancel,
+                    this);
+    box.setInformativeText(closing ? tr("Closing saves the project over it. Save anyway, close without saving, or cancel?")
+                                   : tr("Saving writes over it with what was read. Save anyway?"));
+    box.setDetailedText(loadErrors_.join(QLatin1Char('\n')));
+    box.setDefaultButton(QMessageBox::Cancel);
+    return box.exec();
+}
+
+QStringList MainWindow::UnreadableFiles() const {
+    QStringList unreadable;
+    for (const FilePtr& file : view_->files()->Files()) {
+        if (file->FileType() == FILETYPE_FORM || file->FileType() == FILETYPE_NOPARSE) continue;  // never read
+        QFile source(TextOf(file->FileName()));
+        if (!source.open(QIODevice::ReadOnly)) unreadable << source.fileName();
+    }
+    return unreadable;
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (MayDropEditedText()) event->accept();
+    else event->ignore();
+}
 
 void MainWindow::BuildActions() {
     QToolBar* bar = addToolBar(tr("Project"));
@@ -132,6 +234,7 @@ bool MainWindow::OpenPath(const QString& path, bool inBackground) {
 }
 
 bool MainWindow::OpenFolder(const QString& folder, bool inBackground) {
+    if (!MayDropEditedText()) return false;
     const QString root = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
     if (!QFileInfo(root).isDir()) {
         Report(tr("%1: no such folder").arg(folder));
@@ -144,16 +247,19 @@ bool MainWindow::OpenFolder(const QString& folder, bool inBackground) {
         Report(QString::fromStdString(e.what()));
         return false;
     }
-    editedFile_.reset();
-    editor_->clear();
-    addTimer_.stop();
+    ForgetEditedFile();
+    StopAdding();
+    loadErrors_.clear();
     const QString projectFile = root + QLatin1Char('/') + QDir(root).dirName() + QStringLiteral(".kpr");
     view_->control().NewProject(projectFile.toStdU16String(), found.language, 0);
     SetProjectTitle();
     pending_.assign(found.files.rbegin(), found.files.rend());
     pendingTotal_ = static_cast<int>(pending_.size());
+    std::vector<std::pair<std::u16string, int32_t>> ahead;
+    for (const cli::SourceFile& file : found.files) ahead.emplace_back(FromUtf8(file.path), file.type);
+    Trap(kModule, "Sub OpenFolder", [&] { view_->files()->ScanAheadOfAdd(ahead); });
     if (!inBackground) {
-        while (!pending_.empty()) AddPendingFiles();
+        AddPendingFiles(true);
         return true;
     }
     progress_->setRange(0, qMax(1, pendingTotal_));
@@ -164,19 +270,30 @@ bool MainWindow::OpenFolder(const QString& folder, bool inBackground) {
     return true;
 }
 
-// Adds files until one slice of time is used up; the event loop runs between slices.
-void MainWindow::AddPendingFiles() {
+// Files the scans of the workers for as long as one slice of time lasts; the event loop
+// runs between slices. A scan not finished yet is looked for again a little later.
+void MainWindow::AddPendingFiles(bool waitForScans) {
     QElapsedTimer slice;
     slice.start();
-    while (!pending_.empty() && slice.elapsed() < kAddSliceMs) {
+    const AllFilesPtr files = view_->files();
+    bool waiting = false;
+    while ((filing_ || !pending_.empty()) && (waitForScans || slice.elapsed() < kAddSliceMs)) {
+        if (filing_) {
+            bool filed = true;  // a file whose filing fails is left as far as it got
+            Trap(kModule, "Sub AddPendingFiles", [&] { filed = files->ContinueAdd(filing_, kFilingBudget); });
+            if (filed) filing_.reset();
+            continue;
+        }
         const cli::SourceFile file = pending_.back();
+        const std::u16string name = FromUtf8(file.path);
+        Trap(kModule, "Sub AddPendingFiles", [&] { waiting = !waitForScans && !files->AddIsReady(name, file.type); });
+        if (waiting) break;
         pending_.pop_back();
-        Trap(kModule, "Sub AddPendingFiles", [&] {
-            view_->files()->Add(FromUtf8(file.path), file.type);
-        });
+        Trap(kModule, "Sub AddPendingFiles", [&] { filing_ = files->BeginAdd(name, file.type); });
     }
+    addTimer_.setInterval(waiting ? kScanPollMs : 0);
     progress_->setValue(pendingTotal_ - static_cast<int>(pending_.size()));
-    if (!pending_.empty()) return;
+    if (filing_ || !pending_.empty()) return;
     if (addTimer_.isActive()) {
         addTimer_.stop();
         progress_->hide();
@@ -187,22 +304,41 @@ void MainWindow::AddPendingFiles() {
 }
 
 bool MainWindow::OpenProject(const QString& projectFile, bool inBackground) {
-    addTimer_.stop();
-    pending_.clear();
-    editedFile_.reset();
-    editor_->clear();
+    if (!MayDropEditedText()) return false;
     const QString path = QFileInfo(projectFile).absoluteFilePath();
-    view_->control().NewProject(std::u16string(), 0, -1);
+    // Read into a view of its own, which takes the open project's place only once read.
+    auto fresh = std::unique_ptr<qt::TreeViewWidget>(MakeView());
     // Entries come from the timer in portions, so a large project opens at once.
-    view_->setAsyncLoad(inBackground);
-    const bool loaded = view_->control().Load(path.toStdU16String());
-    SetProjectTitle();
+    fresh->setAsyncLoad(inBackground);
+    std::vector<HeldReport> reports;
+    bool loaded = false;
+    {
+        ErrorDiversion hold([&](const ErrorReport& report) {
+            reports.push_back({std::string(report.module), std::string(report.title), std::string(report.message),
+                               report.number});
+        });
+        loaded = fresh->control().Load(path.toStdU16String());
+    }
+    // Passed on as they came, now that they are known to belong to this project.
+    for (const HeldReport& report : reports) ReportError(report.module, report.title, report.number, report.message);
     if (!loaded) {
         Report(tr("%1: not a kestrel project, or it cannot be read").arg(projectFile));
         return false;
     }
+    StopAdding();
+    ForgetEditedFile();
+    ReplaceView(fresh.release());
+    for (const HeldReport& report : reports) loadErrors_ << QString::fromStdString(report.message);
+    SetProjectTitle();
     FollowTimedLoad();
     OpenProjectNodes();
+    if (!loadErrors_.isEmpty())
+        Report(tr("Reading %1 reported an error; it may hold more than was read.").arg(projectFile), loadErrors_);
+    const QStringList unreadable = UnreadableFiles();
+    if (!unreadable.isEmpty())
+        Report(tr("%n file(s) of the project cannot be read; was it moved without its sources?", nullptr,
+                  unreadable.size()),
+               unreadable);
     emit openFinished();
     return true;
 }
@@ -232,47 +368,77 @@ void MainWindow::ChooseProject() {
     if (!file.isEmpty()) OpenProject(file, true);
 }
 
-void MainWindow::SaveProject() { SaveProjectWith(&TreeView::Save, tr("Saved %1")); }
+bool MainWindow::SaveProject() { return SaveProjectWith(&TreeView::Save, tr("Saved %1")); }
 
-void MainWindow::SaveProjectComplete() {
-    SaveProjectWith(&TreeView::SaveComplete, tr("Rescanned every file and saved %1"));
+// Rescanning a file that cannot be read empties it in the project, so they are named;
+// when none can be read, nothing is rescanned or saved.
+bool MainWindow::SaveProjectComplete() {
+    const QStringList unreadable = UnreadableFiles();
+    if (!unreadable.isEmpty() && unreadable.size() == view_->files()->count()) {
+        Report(tr("No file of the project can be read, so nothing was rescanned or saved."), unreadable);
+        return false;
+    }
+    const bool saved = SaveProjectWith(&TreeView::SaveComplete, tr("Rescanned every file and saved %1"));
+    if (saved && !unreadable.isEmpty())
+        Report(tr("%n file(s) could not be read and are empty in the saved project.", nullptr, unreadable.size()),
+               unreadable);
+    return saved;
 }
 
-void MainWindow::SaveProjectWith(bool (TreeView::*save)(), const QString& doneMessage) {
+bool MainWindow::SaveProjectWith(bool (TreeView::*save)(), const QString& doneMessage) {
     const QString file = TextOf(view_->control().FileName());
-    if (file.isEmpty()) return;
-    if (!(view_->control().*save)()) Report(tr("The project could not be written to %1").arg(file));
-    else statusBar()->showMessage(doneMessage.arg(file), 4000);
+    if (file.isEmpty() || AskBeforeSavingOver(false) != QMessageBox::Save) return false;
+    FinishFiling();
+    if (!(view_->control().*save)()) {
+        Report(tr("The project could not be written to %1").arg(file));
+        return false;
+    }
+    loadErrors_.clear();  // the file now holds what the window holds
+    statusBar()->showMessage(doneMessage.arg(file), 4000);
+    return true;
 }
 
-// Closing saves the project first, as the control's CloseProject does.
-void MainWindow::CloseProject() {
-    addTimer_.stop();
-    pending_.clear();
-    progress_->hide();
-    editedFile_.reset();
-    editor_->clear();
-    view_->control().CloseProject();
+// Closing saves the project first, as the control's CloseProject does, unless the user
+// chooses not to write over a project that was not read whole.
+bool MainWindow::CloseProject() {
+    if (!MayDropEditedText()) return false;
+    const int choice = AskBeforeSavingOver(true);
+    if (choice == QMessageBox::Cancel) return false;
+    FinishFiling();
+    StopAdding();
+    ForgetEditedFile();
+    if (choice == QMessageBox::Save) view_->control().CloseProject();
+    else ReplaceView(MakeView());
+    loadErrors_.clear();
     SetProjectTitle();
+    return true;
 }
 
-void MainWindow::SaveSourceFile() {
-    if (!editedFile_) return;
+// Writes the editor's text to its file; the project then holds that text's symbols.
+bool MainWindow::SaveSourceFile() {
+    if (!editedFile_) return false;
     const QString path = TextOf(editedFile_->FileName());
     QSaveFile out(path);
     if (!out.open(QIODevice::WriteOnly) || out.write(editor_->toPlainText().toUtf8()) < 0 || !out.commit()) {
         Report(tr("%1: %2").arg(path, out.errorString()));
-        return;
+        return false;
     }
+    if (rescanTimer_.isActive()) {
+        rescanTimer_.stop();
+        Rescan();
+    }
+    editor_->document()->setModified(false);
     statusBar()->showMessage(tr("Saved %1").arg(path), 4000);
+    return true;
 }
 
-void MainWindow::OpenSourceFile(const FilePtr& file, int line) {
+bool MainWindow::OpenSourceFile(const FilePtr& file, int line) {
+    if (file != editedFile_ && !MayDropEditedText()) return false;
     const QString path = TextOf(file->FileName());
     QFile in(path);
     if (!in.open(QIODevice::ReadOnly)) {
         Report(tr("%1: %2").arg(path, in.errorString()));
-        return;
+        return false;
     }
     const QByteArray bytes = in.readAll();
     // A byte-order mark chooses UTF-16 or UTF-8; without one the text is UTF-8.
@@ -291,6 +457,7 @@ void MainWindow::OpenSourceFile(const FilePtr& file, int line) {
     editor_->GoToLine(line);
     SetProjectTitle();
     ShowCursorPlace();
+    return true;
 }
 
 // Double-click on an entry opens its file at its line; on a file, at its top.
@@ -325,6 +492,7 @@ void MainWindow::OpenSelection() {
 
 void MainWindow::Rescan() {
     if (!editedFile_) return;
+    FinishFiling();
     DocumentLines lines(*editor_->document());
     Trap(kModule, "Sub Rescan", [&] { editedFile_->UpdateEmbeededFile(lines); });
     ShowCursorPlace();
@@ -386,16 +554,26 @@ void MainWindow::ShowFirstFunction() {
 void MainWindow::SetProjectTitle() {
     const std::u16string name = view_->control().GetProjectName();
     QString title = name.empty() ? QStringLiteral("kestrel-view") : TextOf(name) + QStringLiteral(" — kestrel-view");
-    if (editedFile_) title.prepend(TextOf(view_->control().ExtractFilename__(editedFile_->FileName(), 0)) + QStringLiteral(" · "));
+    // Qt shows the placeholder as "*" while the editor's text differs from its file.
+    if (editedFile_)
+        title.prepend(TextOf(view_->control().ExtractFilename__(editedFile_->FileName(), 0)) + QStringLiteral("[*] · "));
     setWindowTitle(title);
+    if (editedFile_) setWindowModified(editor_->document()->isModified());
 }
 
-void MainWindow::Report(const QString& message) {
-    lastError_ = message;
+void MainWindow::Report(const QString& message, const QStringList& details) {
+    lastError_ = details.isEmpty() ? message : message + QLatin1Char('\n') + details.join(QLatin1Char('\n'));
     statusBar()->showMessage(message, 8000);
-    if (isVisible() && QApplication::platformName() != QLatin1String("offscreen")) {
-        QMessageBox::warning(this, QStringLiteral("kestrel-view"), message);
+    if (!isVisible()) return;
+    auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("kestrel-view"), message, QMessageBox::Ok, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    if (!details.isEmpty()) {
+        QStringList named = details.mid(0, kFilesNamed);
+        if (details.size() > kFilesNamed) named << tr("and %n more", nullptr, int(details.size() - kFilesNamed));
+        box->setInformativeText(named.join(QLatin1Char('\n')));
+        box->setDetailedText(details.join(QLatin1Char('\n')));
     }
+    box->open();
 }
 
 }  // namespace kestrel::view
