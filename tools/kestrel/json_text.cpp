@@ -36,3 +36,17 @@ std::string JsonString(std::u16string_view text) {
 }
 
 }  // namespace kestrel::cli
+
+namespace kestrel::cli {
+
+JsonLine& JsonLine::Raw(std::string_view name, std::string_view json) {
+    if (!fields_.empty()) fields_ += ", ";
+    fields_.append(JsonString(FromUtf8(name))).append(": ").append(json);
+    return *this;
+}
+
+JsonLine& JsonLine::Text(std::string_view name, std::u16string_view value) { return Raw(name, JsonString(value)); }
+JsonLine& JsonLine::Utf8(std::string_view name, std::string_view value) { return Raw(name, JsonString(FromUtf8(value))); }
+JsonLine& JsonLine::Number(std::string_view name, int64_t value) { return Raw(name, std::to_string(value)); }
+
+}  // namespace kestrel::cli

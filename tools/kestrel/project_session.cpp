@@ -146,6 +146,11 @@ int32_t ParseLanguage(const std::string& text) {
     }
 }
 
+bool JsonFormat(const std::string& value) {
+    if (value != "text" && value != "json") throw UsageError("--format takes text or json, not '" + value + "'");
+    return value == "json";
+}
+
 int32_t ParseFileType(const std::string& text) {
     if (text == "impl") return FILETYPE_IMPLEMENTATION;
     if (text == "def") return FILETYPE_DEFINITION;

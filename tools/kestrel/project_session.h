@@ -86,6 +86,9 @@ int32_t ParseLanguage(const std::string& text);
 int32_t ParseFileType(const std::string& text);
 // A whole decimal number, or a UsageError naming the option.
 int32_t ParseNumber(const std::string& option, const std::string& text);
+// Whether --format's value asks for JSON Lines (json) rather than text; a UsageError
+// for anything else.
+bool JsonFormat(const std::string& value);
 // The value after an option, or a UsageError.
 const std::string& OptionValue(const std::vector<std::string>& args, size_t& i);
 

@@ -6,6 +6,7 @@
 #include "common/text.h"
 #include "control/node_keys.h"
 #include "commands.h"
+#include "json_text.h"
 #include "project_session.h"
 
 namespace kestrel::cli {
@@ -20,19 +21,21 @@ constexpr const char* kTreeUsage =
     "  --keys    add each node's key, image and tag\n";
 
 constexpr const char* kDumpUsage =
-    "usage: kestrel dump PROJECT\n"
+    "usage: kestrel dump PROJECT [--format text|json]\n"
     "Prints every field the project file holds: one line for the project, then one per\n"
     "file, class and item, in collection order.\n";
 
 constexpr const char* kWhereUsage =
-    "usage: kestrel where PROJECT FILE LINE\n"
+    "usage: kestrel where PROJECT FILE LINE [--format text|json]\n"
     "Prints the function of FILE whose body holds LINE: the one starting last at or\n"
     "before it. Exit status 1 when there is none.\n";
 
 constexpr const char* kFindUsage =
     "usage: kestrel find PROJECT (--class NAME | --function NAME | --userdata TEXT) [--type T]\n"
+    "                    [--all] [--format text|json]\n"
     "Prints what was found and the file it is in, searching only the files of type T\n"
     "(impl, def, form, noparse or 1 to 4), or each type in that order without --type.\n"
+    "The first hit only, or with --all every file that holds it.\n"
     "Exit status 1 when nothing is found.\n";
 
 void PrintOutline(const MemoryTree& tree, NodeId node, int depth, bool keys) {
@@ -76,59 +79,130 @@ int Tree(const std::vector<std::string>& args) {
     return session.ErrorCount() == 0 ? 0 : 1;
 }
 
-void DumpItem(const char* kind, const clsOneItem& item) {
-    std::cout << "    " << kind << ' ' << Quoted(item.Name()) << " line " << item.Line << " scope " << item.Scope
-              << " userid " << item.UserId << " userdata " << Quoted(item.UserData()) << " params "
-              << Quoted(item.Params()) << " key " << Quoted(item.KeyVal()) << '\n';
+// One line of dump's output: a record's kind and its fields, as text or as JSON.
+class DumpRecord {
+public:
+    DumpRecord(int depth, const char* kind, bool json) : depth_(depth), kind_(kind), json_(json) {
+        if (json_) line_.Utf8("record", kind);
+    }
+    // A record's name is written after its kind alone in text.
+    DumpRecord& Name(std::u16string_view name) {
+        if (json_) line_.Text("name", name);
+        else text_ += " " + Quoted(name);
+        return *this;
+    }
+    DumpRecord& Text(const char* field, std::u16string_view value) {
+        if (json_) line_.Text(field, value);
+        else text_ += std::string(" ") + field + " " + Quoted(value);
+        return *this;
+    }
+    DumpRecord& Number(const char* field, int64_t value) {
+        if (json_) line_.Number(field, value);
+        else text_ += std::string(" ") + field + " " + std::to_string(value);
+        return *this;
+    }
+    ~DumpRecord() {
+        if (json_) line_.WriteTo(std::cout);
+        else std::cout << std::string(2 * depth_, ' ') << kind_ << text_ << '\n';
+    }
+
+private:
+    int depth_;
+    const char* kind_;
+    bool json_;
+    JsonLine line_;
+    std::string text_;
+};
+
+void DumpItem(const char* kind, const clsOneItem& item, bool json) {
+    DumpRecord(2, kind, json)
+        .Name(item.Name())
+        .Number("line", item.Line)
+        .Number("scope", item.Scope)
+        .Number("userid", item.UserId)
+        .Text("userdata", item.UserData())
+        .Text("params", item.Params())
+        .Text("key", item.KeyVal());
 }
 
 int Dump(const std::vector<std::string>& args) {
-    if (args.size() != 1 || args[0].starts_with("-"))
-        throw UsageError(args.empty() ? "no PROJECT given" : "unexpected argument '" + args.back() + "'");
+    std::string project;
+    bool json = false;
+    for (size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == "--format") json = JsonFormat(OptionValue(args, i));
+        else if (args[i].starts_with("-")) throw UsageError("unknown option '" + args[i] + "'");
+        else if (project.empty()) project = args[i];
+        else throw UsageError("unexpected argument '" + args[i] + "'");
+    }
+    if (project.empty()) throw UsageError("no PROJECT given");
     ProjectSession session(ProjectSession::Kind::Shown);
-    session.Load(args[0]);
+    session.Load(project);
     TreeView& view = session.View();
     AllFilesPtr all = view.files();
-    std::cout << "project language " << view.Language() << " id " << view.ID() << " files " << all->count() << '\n';
+    DumpRecord(0, "project", json).Number("language", view.Language()).Number("id", view.ID()).Number("files", all->count());
     for (const FilePtr& file : all->Files()) {
-        std::cout << "file " << Quoted(file->GetTrueFile()) << " type " << file->FileType() << " classes "
-                  << file->count() << " userid " << file->UserId << " userdata " << Quoted(file->UserData) << '\n';
+        DumpRecord(0, "file", json)
+            .Name(file->GetTrueFile())
+            .Number("type", file->FileType())
+            .Number("classes", file->count())
+            .Number("userid", file->UserId)
+            .Text("userdata", file->UserData);
         for (const ClassPtr& c : file->Classes()) {
-            std::cout << "  class " << Quoted(c->Name) << " endline " << c->EndLine << " userdata "
-                      << Quoted(c->UserData) << " userid " << c->UserId << " variables " << c->CountVars()
-                      << " functions " << c->CountFunc() << '\n';
-            for (const ItemPtr& v : c->Variables()) DumpItem("variable", *v);
-            for (const ItemPtr& f : c->Functions()) DumpItem("function", *f);
+            DumpRecord(1, "class", json)
+                .Name(c->Name)
+                .Number("endline", c->EndLine)
+                .Text("userdata", c->UserData)
+                .Number("userid", c->UserId)
+                .Number("variables", c->CountVars())
+                .Number("functions", c->CountFunc());
+            for (const ItemPtr& v : c->Variables()) DumpItem("variable", *v, json);
+            for (const ItemPtr& f : c->Functions()) DumpItem("function", *f, json);
         }
     }
     return session.ErrorCount() == 0 ? 0 : 1;
 }
 
 int Where(const std::vector<std::string>& args) {
-    if (args.size() != 3) throw UsageError("needs PROJECT, FILE and LINE");
-    for (const std::string& a : args)
-        if (a.starts_with("--")) throw UsageError("unknown option '" + a + "'");
-    const int32_t line = ParseNumber("LINE", args[2]);
+    std::vector<std::string> positional;
+    bool json = false;
+    for (size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == "--format") json = JsonFormat(OptionValue(args, i));
+        else if (args[i].starts_with("--")) throw UsageError("unknown option '" + args[i] + "'");
+        else positional.push_back(args[i]);
+    }
+    if (positional.size() != 3) throw UsageError("needs PROJECT, FILE and LINE");
+    const int32_t line = ParseNumber("LINE", positional[2]);
     ProjectSession session(ProjectSession::Kind::Shown);
-    session.Load(args[0]);
-    FilePtr file = session.View().files()->FindFile(FromUtf8(AbsolutePath(args[1])));
-    if (!file) throw Failure(args[1], "not in the project");
+    session.Load(positional[0]);
+    FilePtr file = session.View().files()->FindFile(FromUtf8(AbsolutePath(positional[1])));
+    if (!file) throw Failure(positional[1], "not in the project");
     ItemPtr item = file->InProc(line);
     if (!item) {
-        std::cerr << "kestrel: " << args[1] << ": no function starts at or before line " << line << '\n';
+        std::cerr << "kestrel: " << positional[1] << ": no function starts at or before line " << line << '\n';
         return 1;
     }
     std::u16string owner;
     for (const ClassPtr& c : file->Classes())
         if (c->func(item->KeyVal()) == item) owner = c->Name;
-    std::cout << Utf8(owner) << "::" << Utf8(std::u16string(item->Name()).append(item->Params())) << " line "
-              << item->Line << '\n';
+    if (json) {
+        JsonLine()
+            .Text("class", owner)
+            .Text("name", item->Name())
+            .Text("params", item->Params())
+            .Text("file", file->FileName())
+            .Number("line", item->Line)
+            .WriteTo(std::cout);
+    } else {
+        std::cout << Utf8(owner) << "::" << Utf8(std::u16string(item->Name()).append(item->Params())) << " line "
+                  << item->Line << '\n';
+    }
     return session.ErrorCount() == 0 ? 0 : 1;
 }
 
 int Find(const std::vector<std::string>& args) {
     std::string project, what, name;
     std::vector<int32_t> types;
+    bool all = false, json = false;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
         if (a == "--class" || a == "--function" || a == "--userdata") {
@@ -137,6 +211,10 @@ int Find(const std::vector<std::string>& args) {
             name = OptionValue(args, i);
         } else if (a == "--type") {
             types = {ParseFileType(OptionValue(args, i))};
+        } else if (a == "--all") {
+            all = true;
+        } else if (a == "--format") {
+            json = JsonFormat(OptionValue(args, i));
         } else if (a.starts_with("-")) {
             throw UsageError("unknown option '" + a + "'");
         } else if (project.empty()) {
@@ -151,30 +229,34 @@ int Find(const std::vector<std::string>& args) {
 
     ProjectSession session(ProjectSession::Kind::Shown);
     session.Load(project);
-    AllFilesPtr all = session.View().files();
     const std::u16string key = FromUtf8(name);
+    // The project's own searches ask each file of a type in project order, and the first
+    // that answers wins; --all goes on through every file of every type.
+    bool found = false;
     for (int32_t type : types) {
-        if (what == "--class") {
-            ClassPtr c = all->FindClass(key, type);
-            FilePtr file = all->FindClass_File(key, type);
-            if (c && file) {
+        for (const FilePtr& file : session.View().files()->Files()) {
+            if (file->FileType() != type) continue;
+            ClassPtr c;
+            int32_t line = -1;
+            if (what == "--class") c = file->GetClass(key);
+            else if (what == "--userdata") c = file->FindClass_ByUserData(key);
+            else line = file->IsFunctionDefined(key);
+            if (!c && line < 0) continue;
+            found = true;
+            if (json) {
+                JsonLine hit;
+                hit.Utf8("found", c ? "class" : "function").Text("name", c ? c->Name : key).Text("file", file->FileName());
+                if (!c) hit.Number("line", line);
+                hit.WriteTo(std::cout);
+            } else if (c) {
                 std::cout << Utf8(c->Name) << '\t' << Utf8(file->FileName()) << '\n';
-                return 0;
+            } else {
+                std::cout << name << '\t' << Utf8(file->FileName()) << "\tline " << line << '\n';
             }
-        } else if (what == "--function") {
-            if (FilePtr file = all->FindFunction(key, type)) {
-                std::cout << name << '\t' << Utf8(file->FileName()) << "\tline " << file->IsFunctionDefined(key) << '\n';
-                return 0;
-            }
-        } else if (ClassPtr c = all->FindClass_ByUserData(key, type)) {
-            for (const FilePtr& file : all->Files()) {
-                if (file->FileType() == type && file->FindClass_ByUserData(key) == c) {
-                    std::cout << Utf8(c->Name) << '\t' << Utf8(file->FileName()) << '\n';
-                    return 0;
-                }
-            }
+            if (!all) return 0;
         }
     }
+    if (found) return 0;
     std::cerr << "kestrel: " << name << ": not found\n";
     return 1;
 }

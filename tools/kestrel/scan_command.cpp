@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "json_text.h"
 #include "language_names.h"
 #include "common/constants.h"
 #include "common/text.h"
@@ -23,7 +24,8 @@ namespace {
 // Prints every call the scanner makes, one TAB-separated line each.
 class TraceOutput : public ScanOutput {
 public:
-    TraceOutput(std::u16string fileName, std::ostream* out) : fileName_(std::move(fileName)), out_(out) {}
+    TraceOutput(std::u16string fileName, std::ostream* out, bool json)
+        : fileName_(std::move(fileName)), out_(out), json_(json) {}
 
     int32_t FileType() const override { return FILETYPE_IMPLEMENTATION; }
     const std::u16string& FileName() override { return fileName_; }
@@ -37,25 +39,38 @@ public:
         Print("variable", line, scope, fullName, typeText);
     }
     void WriteEndClass__(const std::u16string& className, int32_t endLine) override {
-        if (out_) *out_ << "endclass\t" << endLine << '\t' << ToUtf8(className) << '\n';
+        if (!out_) return;
+        if (json_) Call("endclass").Number("line", endLine).Text("class", className).WriteTo(*out_);
+        else *out_ << "endclass\t" << endLine << '\t' << ToUtf8(className) << '\n';
     }
     void WriteInclude__(const std::u16string& fileName, int32_t line) override {
-        if (out_) *out_ << "include\t" << line << '\t' << ToUtf8(fileName) << '\n';
+        if (!out_) return;
+        if (json_) Call("include").Number("line", line).Text("name", fileName).WriteTo(*out_);
+        else *out_ << "include\t" << line << '\t' << ToUtf8(fileName) << '\n';
     }
 
 private:
     void Print(const char* kind, int32_t line, int16_t scope, const std::u16string& name, const std::u16string& text) {
-        if (out_) *out_ << kind << '\t' << line << '\t' << scope << '\t' << ToUtf8(name) << '\t' << ToUtf8(text) << '\n';
+        if (!out_) return;
+        if (json_) Call(kind).Number("line", line).Number("scope", scope).Text("name", name).Text("text", text).WriteTo(*out_);
+        else *out_ << kind << '\t' << line << '\t' << scope << '\t' << ToUtf8(name) << '\t' << ToUtf8(text) << '\n';
+    }
+    JsonLine Call(const char* kind) const {
+        JsonLine line;
+        line.Text("file", fileName_).Utf8("call", kind);
+        return line;
     }
 
     std::u16string fileName_;
     std::ostream* out_;  // null while the dumps are printed instead
+    bool json_;
 };
 
 struct Options {
     int16_t language = LANGUAGE_C;
     bool dumpLines = false;
     bool dumpResults = false;
+    bool json = false;
     std::vector<std::string> files;
 };
 
@@ -89,6 +104,13 @@ int ParseOptions(int argc, char** argv, Options& options) {
             options.dumpLines = true;
         } else if (arg == "--dump-results") {
             options.dumpResults = true;
+        } else if (arg == "--format" || arg.rfind("--format=", 0) == 0) {
+            const std::string value = arg == "--format" ? (i + 1 < argc ? argv[++i] : "") : arg.substr(9);
+            if (value != "text" && value != "json") {
+                std::cerr << "kestrel scan: --format takes text or json, not '" << value << "'\n";
+                return 2;
+            }
+            options.json = value == "json";
         } else if (arg == "--language" || arg == "-l" || arg.rfind("--language=", 0) == 0) {
             std::string value;
             if (arg.rfind("--language=", 0) == 0) {
@@ -125,7 +147,7 @@ std::string OpenFailure(const std::string& path) {
 }  // namespace
 
 void ScanHelp(std::ostream& out) {
-    out << "usage: kestrel scan [--language L] [--dump-lines] [--dump-results] FILE...\n"
+    out << "usage: kestrel scan [--language L] [--dump-lines] [--dump-results] [--format text|json] FILE...\n"
            "\n"
            "Scans each FILE as the class view does and prints, on standard output, one line\n"
            "per call the scanner makes on its output, in call order, fields separated by one\n"
@@ -149,6 +171,8 @@ void ScanHelp(std::ostream& out) {
            "  --dump-lines        print instead the line array as the block-level pass\n"
            "                      receives it (read, cleaned, comments removed), one\n"
            "                      \"N -- text\" line per line of the file\n"
+           "  --format json       one JSON object per call instead (JSON Lines): file, call,\n"
+           "                      line, and scope, name and text, or class, or name\n"
            "  --dump-results      print instead the result list after the scan, one\n"
            "                      \"Line:N,Class:C,Scope:S -- text\" line per statement\n"
            "  --help, -h          show this text\n"
@@ -167,13 +191,13 @@ int RunScan(int argc, char** argv) {
     const bool dumping = options.dumpLines || options.dumpResults;
     int exitStatus = 0;
     for (const std::string& path : options.files) {
-        if (options.files.size() > 1) std::cout << "file\t" << path << '\n';
+        if (options.files.size() > 1 && !options.json) std::cout << "file\t" << path << '\n';
         clsQuillbox scanner;
         if (options.dumpLines) {
             scanner.SetBeforeBlockPass(
                 [](const clsQuillbox& q) { WriteLineDump(std::cout, q.Lines(), q.LineCount()); });
         }
-        TraceOutput output(FromUtf8(path), dumping ? nullptr : &std::cout);
+        TraceOutput output(FromUtf8(path), dumping ? nullptr : &std::cout, options.json);
         if (!scanner.ParseFile(output, options.language)) {
             std::cout.flush();
             std::cerr << "kestrel scan: " << path << ": " << OpenFailure(path) << '\n';

@@ -61,10 +61,16 @@ void PrintText(const SymbolHit& hit) {
 }
 
 void PrintJson(const SymbolHit& hit) {
-    std::cout << "{\"name\":" << JsonString(hit.name) << ",\"kind\":\"" << WordFor(hit.kind, kKinds, "?")
-              << "\",\"access\":\"" << WordFor(hit.scope, kAccess, "none") << "\",\"container\":"
-              << JsonString(hit.container) << ",\"file\":" << JsonString(hit.file) << ",\"line\":" << hit.line
-              << ",\"params\":" << JsonString(hit.params) << ",\"score\":" << hit.score << "}\n";
+    JsonLine()
+        .Text("name", hit.name)
+        .Utf8("kind", WordFor(hit.kind, kKinds, "?"))
+        .Utf8("access", WordFor(hit.scope, kAccess, "none"))
+        .Text("container", hit.container)
+        .Text("file", hit.file)
+        .Number("line", hit.line)
+        .Text("params", hit.params)
+        .Number("score", hit.score)
+        .WriteTo(std::cout);
 }
 
 int Symbols(const std::vector<std::string>& args) {
@@ -82,9 +88,7 @@ int Symbols(const std::vector<std::string>& args) {
         } else if (a == "--access") {
             query.scope = ParseWord("--access", OptionValue(args, i), kAccess);
         } else if (a == "--format") {
-            const std::string& format = OptionValue(args, i);
-            if (format != "text" && format != "json") throw UsageError("--format takes text or json, not '" + format + "'");
-            json = format == "json";
+            json = JsonFormat(OptionValue(args, i));
         } else if (a.starts_with("-") && a.size() > 1) {
             throw UsageError("unknown option '" + a + "'");
         } else {

@@ -62,8 +62,6 @@ std::string FieldValue(const std::string& text) {
     return out;
 }
 
-std::string Json(const std::string& utf8) { return JsonString(FromUtf8(utf8)); }
-
 struct PseudoTag {
     const char* name;
     std::string value;
@@ -105,18 +103,19 @@ void WriteTagLine(std::ostream& out, const Tag& tag, const TagFormat& format) {
 }
 
 void WriteJsonTag(std::ostream& out, const Tag& tag, const TagFormat& format) {
-    out << "{\"_type\": \"tag\", \"name\": " << Json(tag.name) << ", \"path\": " << Json(tag.path);
-    if (format.excmd != TagFormat::Excmd::Number) out << ", \"pattern\": " << Json(Pattern(tag.lineText));
-    if (Has(format, 'l')) out << ", \"language\": " << Json(std::string(tag.language->name));
-    if (Has(format, 'n') || format.excmd == TagFormat::Excmd::Number) out << ", \"line\": " << tag.line;
-    if (Has(format, 't') && !tag.typeName.empty()) out << ", \"typeref\": " << Json("typename:" + tag.typeName);
-    if (Has(format, 'k') || Has(format, 'K') || Has(format, 'z')) out << ", \"kind\": " << Json(std::string(tag.kind->name));
-    if (Has(format, 'a') && !tag.access.empty()) out << ", \"access\": " << Json(tag.access);
-    if (Has(format, 'S') && !tag.signature.empty()) out << ", \"signature\": " << Json(tag.signature);
+    JsonLine line;
+    line.Utf8("_type", "tag").Utf8("name", tag.name).Utf8("path", tag.path);
+    if (format.excmd != TagFormat::Excmd::Number) line.Utf8("pattern", Pattern(tag.lineText));
+    if (Has(format, 'l')) line.Utf8("language", tag.language->name);
+    if (Has(format, 'n') || format.excmd == TagFormat::Excmd::Number) line.Number("line", tag.line);
+    if (Has(format, 't') && !tag.typeName.empty()) line.Utf8("typeref", "typename:" + tag.typeName);
+    if (Has(format, 'k') || Has(format, 'K') || Has(format, 'z')) line.Utf8("kind", tag.kind->name);
+    if (Has(format, 'a') && !tag.access.empty()) line.Utf8("access", tag.access);
+    if (Has(format, 'S') && !tag.signature.empty()) line.Utf8("signature", tag.signature);
     if ((Has(format, 's') || Has(format, 'Z')) && !tag.scope.empty())
-        out << ", \"scope\": " << Json(tag.scope) << ", \"scopeKind\": " << Json(tag.scopeKind);
-    if (Has(format, 'e') && tag.end > 0) out << ", \"end\": " << tag.end;
-    out << "}\n";
+        line.Utf8("scope", tag.scope).Utf8("scopeKind", tag.scopeKind);
+    if (Has(format, 'e') && tag.end > 0) line.Number("end", tag.end);
+    line.WriteTo(out);
 }
 
 // One cross-reference line after a --_xformat template: %[-][WIDTH]LETTER, where the
@@ -188,8 +187,7 @@ void WriteTags(std::ostream& out, const std::vector<Tag>& tags, const TagFormat&
     if (format.pseudoTags && format.output != TagFormat::Output::Xref) {
         for (const PseudoTag& p : PseudoTags(format)) {
             if (format.output == TagFormat::Output::Json)
-                out << "{\"_type\": \"ptag\", \"name\": " << Json(p.name) << ", \"path\": " << Json(p.value)
-                    << ", \"pattern\": " << Json(p.comment) << "}\n";
+                JsonLine().Utf8("_type", "ptag").Utf8("name", p.name).Utf8("path", p.value).Utf8("pattern", p.comment).WriteTo(out);
             else
                 out << "!_" << p.name << '\t' << p.value << "\t/" << p.comment << "/\n";
         }
