@@ -133,3 +133,31 @@ TEST_F(Tags, GnuGlobalIndexesThroughItsCtagsPlugin) {
     EXPECT_TRUE(Has(Shell("global -x Count").out, "Count              27 Utilities.bas")) ;
     EXPECT_EQ(Shell("global -c Cir").out, "Circle\n");
 }
+
+TEST_F(Tags, GnuGlobalFindsInGoogletestWhatKestrelFinds) {
+    const fs::path sources = "/usr/src/googletest/googletest";
+    if (!fs::exists(sources)) GTEST_SKIP() << "googletest's sources are not installed";
+    fs::copy(sources, dir / "gtest", fs::copy_options::recursive);
+    std::string conf = ReadFileBytes(fs::path(KESTREL_SOURCE_DIR) / "docs/gtags.conf");
+    conf.replace(conf.find("/usr/local/bin/kestrel-ctags"), std::string("/usr/local/bin/kestrel-ctags").size(), kCtags);
+    WriteFileBytes(dir / "gtags.conf", conf);
+    const Outcome made = Shell("cd gtest && GTAGSCONF='" + (dir / "gtags.conf").string() + "' GTAGSLABEL=kestrel gtags");
+    ASSERT_EQ(made.status, 0) << made.err;
+    // Every place kestrel gives for these names, Global gives too.
+    for (const std::string name : {"InitGoogleTest", "AssertionResult", "RunAllTests"}) {
+        const Outcome ours = Shell("cd gtest && '" + kCtags + "' -R --excmd=number -f - . | grep '^" + name +
+                                   "\t' | awk -F'\t' '{ sub(/;\"$/, \"\", $3); sub(/^\\.\\//, \"\", $2); print $1, $3, $2 }'");
+        const Outcome theirs = Shell("cd gtest && global -x --result=ctags-x " + name);
+        ASSERT_FALSE(ours.out.empty()) << name;
+        for (size_t at = 0; at < ours.out.size(); at = ours.out.find('\n', at) + 1) {
+            const std::string line = ours.out.substr(at, ours.out.find('\n', at) - at);
+            const size_t space = line.find(' '), second = line.find(' ', space + 1);
+            const std::string lineNumber = line.substr(space + 1, second - space - 1), file = line.substr(second + 1);
+            const std::string expected = " " + lineNumber + " " + file;
+            std::string compact;  // Global pads its columns; compare with single spaces
+            for (char c : theirs.out) if (c != ' ' || compact.empty() || compact.back() != ' ') compact += c;
+            EXPECT_NE(compact.find(expected), std::string::npos) << name << ":" << expected << "\n" << theirs.out;
+        }
+    }
+    EXPECT_NE(Shell("cd gtest && global -c InitGoogle").out.find("InitGoogleTest\n"), std::string::npos);
+}
