@@ -102,7 +102,7 @@ int main(int argc, char** argv) {
     everything.limit = 0;
     std::vector<std::u16string> names;
     for (const SymbolHit& hit : index.Find(everything))
-        if (hit.name.size() >= 12) names.push_back(hit.name);
+        if (hit.name.size() > 12) names.push_back(hit.name);  // room for 12 units after the first
 
     SymbolQuery empty;
     std::vector<double> baseline;

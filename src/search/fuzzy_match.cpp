@@ -78,40 +78,51 @@ std::optional<int32_t> FuzzyQuery::ScoreFolded(std::u16string_view name, std::u1
     if (m == 0) return 0;
     if (n < m) return std::nullopt;
 
-    // Most names fail here, in one pass: the units do not appear in order at all.
+    // Most names fail here, in one pass: the units do not appear in order at all. The
+    // pass also gives each unit's earliest place, and one from the end its latest: the
+    // alignments all lie between, and so does the work below.
+    thread_local std::vector<size_t> earliest, latest;
+    earliest.resize(m);
+    latest.resize(m);
     size_t found = 0;
     for (size_t j = 0; j < n && found < m; ++j)
-        if (folded[j] == folded_[found]) ++found;
+        if (folded[j] == folded_[found]) earliest[found++] = j;
     if (found < m) return std::nullopt;
+    for (size_t j = n, i = m; i-- > 0;) {
+        while (folded[--j] != folded_[i]) {
+        }
+        latest[i] = j;
+    }
 
     // best[i][j]: the best score of the query's first i+1 units with unit i matched at
     // position j. Gaps cost kGapStart for their first unit and kGapExtension for each
     // further one; a gap before the first unit costs nothing. Rows are kept whole only
-    // when the positions are asked for.
+    // when the positions are asked for; otherwise two take turns, and the part of a row
+    // that the row two before wrote is cleared before it is used again.
     thread_local std::vector<int32_t> rows;
     const size_t kept = positions ? m : 2;
     rows.assign(kept * n, kUnmatched);
     auto row = [&](size_t i) { return rows.data() + (i % kept) * n; };
 
     int32_t* first = row(0);
-    for (size_t j = 0; j < n; ++j) {
+    for (size_t j = earliest[0]; j <= latest[0]; ++j) {
         if (folded[j] != folded_[0]) continue;
         first[j] = kMatch + BonusAt(name, j) * kFirstUnitFactor + (j == 0 ? kPrefix : 0);
     }
     for (size_t i = 1; i < m; ++i) {
         const int32_t* before = row(i - 1);
         int32_t* current = row(i);
+        if (kept == 2 && i >= 2) std::fill(current + earliest[i - 2], current + latest[i - 2] + 1, kUnmatched);
         int32_t afterGap = kUnmatched;  // best of before[k] - gap cost, over k <= j - 2
-        for (size_t j = 0; j < n; ++j) {
+        for (size_t j = earliest[i - 1] + 1; j <= latest[i]; ++j) {
             if (j >= 2) afterGap = std::max(afterGap - kGapExtension, before[j - 2] - kGapStart);
-            current[j] = kUnmatched;
-            if (j == 0 || folded[j] != folded_[i]) continue;
+            if (j < earliest[i] || folded[j] != folded_[i]) continue;
             const int32_t reach = std::max(before[j - 1] + kConsecutive, afterGap);
             if (reach > kUnmatched / 2) current[j] = reach + kMatch + BonusAt(name, j);
         }
     }
     const int32_t* last = row(m - 1);
-    const auto end = std::max_element(last, last + n);
+    const auto end = std::max_element(last + earliest[m - 1], last + latest[m - 1] + 1);
     const int32_t lengthCost = static_cast<int32_t>(std::min<size_t>(n - m, kLengthCap)) / 4;
 
     if (positions) {
