@@ -23,8 +23,8 @@ constexpr const char* kNewUsage =
     "                    .frm .ctl .dsr form, .c .cc .cpp .cxx .java .bas .cls impl,\n"
     "                    anything else noparse)\n"
     "  --files-from LIST one path per line of LIST (- reads standard input)\n"
-    "  --jobs N          scan on N threads (default: one per core); the project file\n"
-    "                    comes out the same for every N\n";
+    "  --jobs N          scan on N threads (default and most: one per core); the\n"
+    "                    project file comes out the same for every N\n";
 
 constexpr const char* kAddUsage =
     "usage: kestrel add PROJECT [--jobs N] [--type T] FILE... [--files-from LIST]\n"
