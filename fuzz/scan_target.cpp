@@ -3,8 +3,12 @@
 // type and the way in; the rest is the text. A UTF-8 file is scanned a second time as
 // editor lines cut where the file reader cuts them: the reader passes over comment
 // lines without cleaning them, and both ways must end with the same lines and report
-// the same declarations.
+// the same declarations. Every input must also be scanned in time in proportion to
+// its size.
+#include <time.h>
+
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -93,6 +97,19 @@ std::vector<std::u16string> FileLines(std::string_view bytes) {
     return lines;
 }
 
+// Processor time of this thread, so that a busy machine does not count against a scan.
+int64_t ThreadMicros() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return int64_t{now.tv_sec} * 1000000 + now.tv_nsec / 1000;
+}
+
+// Far above what a sanitized build needs for every input seen (a few microseconds a
+// byte), far below what any pass that goes over the text once for each of its lines
+// or declarations would take on an input of some kilobytes.
+constexpr int64_t kFixedMicros = 200000;
+constexpr int64_t kMicrosPerByte = 50;
+
 bool IsUtf16(std::string_view bytes) { return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"); }
 
 // Keeps in `into` the lines a scan is left with once they are read, cleaned and free
@@ -107,6 +124,7 @@ void KeepCleanLines(clsQuillbox& scanner, std::vector<std::u16string>& into) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const int64_t start = ThreadMicros();
     kestrel::fuzz::FuzzInput in(data, size);
     kestrel::fuzz::QuietErrors errors;
     const uint8_t choice = in.Byte();
@@ -142,5 +160,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             if (same.calls != out.calls) Fail("the file and its editor lines reported different declarations");
         }
     }
+    if (ThreadMicros() - start > kFixedMicros + kMicrosPerByte * static_cast<int64_t>(size))
+        Fail("a scan took longer than its size allows");
     return 0;
 }

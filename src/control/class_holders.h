@@ -24,6 +24,7 @@ public:
 
 private:
     std::unordered_map<std::u16string, std::vector<FilePtr>> byName_;
+    std::vector<FilePtr> asked_;  // the answer of a small project, asked file by file
     bool valid_ = false;
     const clsAllFiles* owner_ = nullptr;
     int32_t count_ = -1;

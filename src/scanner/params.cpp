@@ -16,19 +16,25 @@ constexpr size_t npos = std::u16string_view::npos;
 
 // A list gathered over many lines can take in the rest of the file, and every
 // declaration inside it would repeat that; gathering stops past this many units.
-constexpr int64_t kMaxParamUnits = 65536;
+constexpr int64_t kMaxParamUnits = ParamCollector::kMaxUnits;
 
 // The trimmed pieces of a list joined into `text`, keeping only the first
 // kMaxParamUnits units.
 class Gathered {
 public:
     explicit Gathered(std::u16string& text) : text_(text) { text_.clear(); }
-    Gathered& Add(std::u16string_view piece) {
-        piece = TrimmedView(piece);
-        text_.append(piece.substr(0, std::min(piece.size(), kMaxUnits - text_.size())));
-        return *this;
+    // Adds `raw` trimmed; answers how many of its units the list took: all of them
+    // when it fits, else its leading blanks and what was kept.
+    size_t Take(std::u16string_view raw) {
+        const std::u16string_view piece = TrimmedView(raw);
+        const size_t room = kMaxUnits - text_.size();
+        if (piece.size() <= room) {
+            text_.append(piece);
+            return raw.size();
+        }
+        text_.append(piece.substr(0, room));
+        return static_cast<size_t>(piece.data() - raw.data()) + room;
     }
-    bool Full() const { return text_.size() == kMaxUnits; }
     const std::u16string& Text() const { return text_; }
 
 private:
@@ -54,6 +60,13 @@ size_t WalkDepth(std::u16string_view text, int32_t& depth) {
 
 }  // namespace
 
+int64_t ParamCollector::ScannedUnits(const std::vector<std::u16string>& lines, int32_t lineCount) {
+    const size_t count = std::min(lines.size(), static_cast<size_t>(std::max(lineCount, 0)) + 1);
+    int64_t units = count > 1 ? static_cast<int64_t>(count) - 2 : 0;  // the line ends between them
+    for (size_t n = 1; n < count; ++n) units += static_cast<int64_t>(lines[n].size());
+    return units;
+}
+
 const std::u16string& ParamCollector::LineAt(int32_t n) const {
     static const std::u16string empty;
     return n >= 1 && n <= lineCount_ && static_cast<size_t>(n) < lines_.size() ? lines_[static_cast<size_t>(n)] : empty;
@@ -62,8 +75,10 @@ const std::u16string& ParamCollector::LineAt(int32_t n) const {
 void ParamCollector::BuildIndex() {
     indexed_ = true;
     int32_t balance = 0;
+    unitsBefore_.assign(2, 0);
     for (int32_t n = 1; n <= lineCount_; ++n) {
         const std::u16string& line = LineAt(n);
+        unitsBefore_.push_back(unitsBefore_.back() + static_cast<int64_t>(line.size()));
         if (size_t start = line.find_first_not_of(u' '); start != npos) {
             textLines_.push_back(n);
             trimmedBefore_.push_back(trimmedBefore_.back() + static_cast<int64_t>(line.find_last_not_of(u' ') + 1 - start));
@@ -95,6 +110,10 @@ int32_t ParamCollector::FirstAtMost(size_t node, size_t low, size_t high, size_t
     size_t middle = (low + high) / 2;
     int32_t found = FirstAtMost(2 * node, low, middle, from, limit);
     return found >= 0 ? found : FirstAtMost(2 * node + 1, middle, high, from, limit);
+}
+
+int64_t ParamCollector::UnitsBetween(int32_t from, int32_t to) const {
+    return unitsBefore_[static_cast<size_t>(to)] - unitsBefore_[static_cast<size_t>(from)];
 }
 
 ParamCollector::LineRange ParamCollector::TextLinesBetween(int32_t from, int32_t to) const {
@@ -143,11 +162,13 @@ const std::u16string& ParamCollector::CollectParams(const RWord& wrd) {
         int32_t depth = 1;
         size_t at = WalkDepth(text, depth);
         if (at != npos) {
-            Enclose(Gathered(gathered_).Add(text.substr(0, at)), result_);
+            Gathered gathered(gathered_);
+            gathered.Take(text.substr(0, at));
+            Enclose(gathered, result_);
             return;
         }
         if (!indexed_) BuildIndex();
-        const int32_t first = wrd.Line + 1;
+        const auto first = static_cast<int32_t>(std::clamp<int64_t>(int64_t{wrd.Line} + 1, 1, int64_t{lineCount_} + 1));
         int32_t closing = 0, depthThere = 0;
         const bool closes = FindClosingLine(first, depth, closing, depthThere);
         std::u16string_view tail;
@@ -157,18 +178,37 @@ const std::u16string& ParamCollector::CollectParams(const RWord& wrd) {
         }
         // Measured before anything is copied, so that a list that never closes costs
         // nothing and a huge one only what it keeps.
-        const LineRange inner = TextLinesBetween(first, closes ? closing : lineCount_ + 1);
+        const int32_t end = closes ? closing : lineCount_ + 1;
+        const LineRange inner = TextLinesBetween(first, end);
         const int64_t length = static_cast<int64_t>(TrimmedView(text).size() + TrimmedView(tail).size()) +
                                TrimmedUnits(inner);
-        if (!closes && length <= kMaxParamUnits) {
+        const int64_t wanted = UnitsBetween(first, end) + static_cast<int64_t>(tail.size());
+        if (wanted <= budget_ && !closes && length <= kMaxParamUnits) {
+            budget_ -= wanted;
             result_.assign(u"()");  // never closes: what was collected is dropped
             return;
         }
-        // Pieces from several lines are joined without a separator.
+        // Pieces from several lines are joined without a separator. A list the budget
+        // cannot pay for in full takes what is left of it, the last line cut short.
+        const int64_t allowed = std::min(wanted, budget_);
         Gathered gathered(gathered_);
-        gathered.Add(text);
-        for (auto n = inner.first; n != inner.second && !gathered.Full(); ++n) gathered.Add(LineAt(*n));
-        Enclose(gathered.Add(tail), result_);
+        bool going = gathered.Take(text) == text.size();
+        int64_t taken = going ? allowed : 0;
+        // False once the list stops: at the end of what it may take, or at the first
+        // unit past 65,536 (then it has taken the line up to there).
+        auto takeFrom = [&](int32_t line, std::u16string_view raw) {
+            const int64_t at = UnitsBetween(first, line);
+            if (at >= allowed) return false;
+            raw = raw.substr(0, static_cast<size_t>(std::min<int64_t>(allowed - at, static_cast<int64_t>(raw.size()))));
+            const size_t took = gathered.Take(raw);
+            if (took == raw.size()) return true;
+            taken = at + static_cast<int64_t>(took);
+            return false;
+        };
+        for (auto n = inner.first; n != inner.second && going; ++n) going = takeFrom(*n, LineAt(*n));
+        if (going && closes) takeFrom(closing, tail);
+        budget_ -= taken;
+        Enclose(gathered, result_);
     });
     return result_;
 }

@@ -106,8 +106,10 @@ void clsQuillbox::StoreLine(std::u16string_view raw) {
 void clsQuillbox::RunPasses(ScanOutput& output, int16_t nLang) {
     ParseInclude();
     if (beforeBlockPass_) beforeBlockPass_(*this);
+    // Measured before the block pass empties the lines it has taken in.
+    const int64_t scannedUnits = ParamCollector::ScannedUnits(lines_, lineCount_);
     TakeLevelsOut(lines_, lineCount_, syntax, nLang, results_, &units_);
-    SecondPass(output, nLang);
+    SecondPass(output, nLang, scannedUnits);
     // The line array goes; the results stay until the next scan.
     ReleaseLines();
 }
@@ -157,9 +159,9 @@ bool clsQuillbox::ParseEmbeededFile(ScanOutput& output, int16_t nLang, LineSourc
     return scanned;
 }
 
-void clsQuillbox::SecondPass(ScanOutput& output, int16_t nLang) {
+void clsQuillbox::SecondPass(ScanOutput& output, int16_t nLang, int64_t scannedUnits) {
     Trap(kModule, "Sub SecondPass", [&] {
-        ParamCollector params(lines_, lineCount_);
+        ParamCollector params(lines_, lineCount_, scannedUnits);
         const size_t count = results_.size();
         if (nLang == LANGUAGE_C || nLang == LANGUAGE_JAVA) {
             CAnalysis analysis{syntax, params, output};

@@ -58,7 +58,8 @@ private:
     void ReleaseLines();
     // The passes after the lines are in, cleaned and free of comments.
     void RunPasses(ScanOutput& output, int16_t nLang);
-    void SecondPass(ScanOutput& output, int16_t nLang);
+    // `scannedUnits`: the size of the text as read, for the parameter collector.
+    void SecondPass(ScanOutput& output, int16_t nLang, int64_t scannedUnits);
 
     std::vector<std::u16string> lines_;
     std::vector<UnitSet> units_;  // the code units of each line, same indices as lines_

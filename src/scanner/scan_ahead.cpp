@@ -1,12 +1,24 @@
 #include "scanner/scan_ahead.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace kestrel {
 
 ScanAhead::ScanAhead(std::vector<ScanJob> jobs, unsigned threads)
-    : jobs_(std::move(jobs)), done_(jobs_.size()), window_(8 * std::max(threads, 1u) + 16) {
-    for (unsigned t = 0; t < std::max(threads, 1u); ++t) workers_.emplace_back([this] { Work(); });
+    : jobs_(std::move(jobs)), done_(jobs_.size()) {
+    // More workers than cores only wait on each other, and each holds a window's share
+    // of finished scans.
+    threads = std::clamp(threads, 1u, std::max(std::thread::hardware_concurrency(), 1u));
+    window_ = 8 * threads + 16;
+    workers_.reserve(threads);
+    for (unsigned t = 0; t < threads; ++t) {
+        try {
+            workers_.emplace_back([this] { Work(); });
+        } catch (const std::system_error&) {
+            break;  // the system has no thread to spare: fewer workers do the same work
+        }
+    }
 }
 
 ScanAhead::~ScanAhead() {
@@ -20,7 +32,7 @@ ScanAhead::~ScanAhead() {
 
 bool ScanAhead::AllTaken() {
     std::lock_guard<std::mutex> hold(lock_);
-    return nextToTake_ == jobs_.size();
+    return workers_.empty() || nextToTake_ == jobs_.size();
 }
 
 unsigned ScanAhead::UsefulThreads() {
@@ -55,12 +67,15 @@ size_t ScanAhead::FindJob(const std::u16string& fileName, int32_t fileType, int1
 }
 
 bool ScanAhead::Ready(const std::u16string& fileName, int32_t fileType, int16_t language) {
+    // Without a worker nothing is scanned ahead: the caller scans the file itself.
+    if (workers_.empty()) return true;
     std::lock_guard<std::mutex> hold(lock_);
     const size_t job = FindJob(fileName, fileType, language);
     return job == jobs_.size() || done_[job] != nullptr;
 }
 
 std::unique_ptr<RecordedScan> ScanAhead::Take(const std::u16string& fileName, int32_t fileType, int16_t language) {
+    if (workers_.empty()) return nullptr;
     std::unique_lock<std::mutex> hold(lock_);
     const size_t job = FindJob(fileName, fileType, language);
     if (job == jobs_.size()) return nullptr;

@@ -22,8 +22,10 @@ struct ScanJob {
 
 class ScanAhead {
 public:
-    // `threads` workers (at least one); jobs past the window wait until the taker
-    // catches up, so that memory stays bounded however long the list is.
+    // `threads` workers, at least one and at most one per core, or as many of them as
+    // the system lets start (none at all: every Take answers nullptr); jobs past the
+    // window wait until the taker catches up, so that memory stays bounded however
+    // long the list is.
     ScanAhead(std::vector<ScanJob> jobs, unsigned threads);
     ~ScanAhead();
     ScanAhead(const ScanAhead&) = delete;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/constants.h"
+#include "support/child_run.h"
 #include "support/error_capture.h"
 #include "support/scan_recorder.h"
 
@@ -38,6 +39,53 @@ std::string Repeat(const std::string& line, size_t bytes) {
     while (text.size() < bytes) text += line;
     return text;
 }
+
+// One construct repeated to any size, with what a scan of it gives.
+std::vector<Pattern> LimitPatterns() {
+    return {
+        // "/*/" opens and closes a comment at once, so each line keeps its variable.
+        {"comment openers", std::string(60, ' ') + "/*/ int a; /*/\n", LANGUAGE_C, 1, true, false},
+        {"unterminated strings", "char* s = \"never closed { class X\n", LANGUAGE_C, 0, false, true},
+        {"opening braces", std::string(80, '{') + "\n", LANGUAGE_C, 0, false, false},
+        {"closing braces", std::string(80, '}') + "\n", LANGUAGE_C, 1, false, false},
+        {"class words", "class class class class class class class\n", LANGUAGE_C, 0, false, true},
+        {"scope operators", "int ::::::::::::::::a::::::::::::::::::::b;\n", LANGUAGE_C, 0, false, false},
+        {"open parentheses", "void f(((((((((((((((((((((((((((((((((((((\n", LANGUAGE_C, 1, true, false},
+        {"unterminated Basic strings", "Dim s As String = \"never closed (\n", LANGUAGE_BASIC, 1, true, false},
+        {"Basic open parentheses", "x = ((((((((((((((((((((((((((((((((((((((((\n", LANGUAGE_BASIC, 0, false, false},
+        };
+}
+
+// Procedure heads whose parameter lists never close, each followed by a line that
+// opens one more parenthesis: every list would take in the rest of the file.
+std::vector<Pattern> BasicPairs() {
+    return {
+        {"Basic Sub lines", "Sub f(\n(\n", LANGUAGE_BASIC, 1, true, false},
+        {"Basic Private Sub pairs", "Private Sub f(\n(\n", LANGUAGE_BASIC, 1, true, false},
+        {"Basic Public Function pairs", "Public Function f(\n(\n", LANGUAGE_BASIC, 1, true, false},
+    };
+}
+
+// Counts what a scan hands out instead of keeping it.
+class CountingOutput : public ScanOutput {
+public:
+    int32_t FileType() const override { return FILETYPE_IMPLEMENTATION; }
+    const std::u16string& FileName() override { return name_; }
+    void WriteDeclare__(const std::u16string& fullName, int32_t, int16_t, const std::u16string& params) override {
+        units += 1 + fullName.size() + params.size();
+    }
+    void WriteVariable__(const std::u16string& fullName, int32_t, int16_t, const std::u16string& typeText) override {
+        units += 1 + fullName.size() + typeText.size();
+    }
+    void WriteEndClass__(const std::u16string& className, int32_t) override { units += 1 + className.size(); }
+    void WriteInclude__(const std::u16string& fileName, int32_t) override { units += 1 + fileName.size(); }
+
+    explicit CountingOutput(std::u16string name) : name_(std::move(name)) {}
+    size_t units = 0;
+
+private:
+    std::u16string name_;
+};
 
 }  // namespace
 
@@ -87,18 +135,7 @@ TEST(HostileInput, GatheredParameterTextStopsAt65536Units) {
 }
 
 TEST(HostileInput, FiftyMegabytesOfOneConstructScanInLinearTime) {
-    const std::vector<Pattern> patterns{
-        // "/*/" opens and closes a comment at once, so each line keeps its variable.
-        {"comment openers", std::string(60, ' ') + "/*/ int a; /*/\n", LANGUAGE_C, 1, true, false},
-        {"unterminated strings", "char* s = \"never closed { class X\n", LANGUAGE_C, 0, false, true},
-        {"opening braces", std::string(80, '{') + "\n", LANGUAGE_C, 0, false, false},
-        {"closing braces", std::string(80, '}') + "\n", LANGUAGE_C, 1, false, false},
-        {"class words", "class class class class class class class\n", LANGUAGE_C, 0, false, true},
-        {"scope operators", "int ::::::::::::::::a::::::::::::::::::::b;\n", LANGUAGE_C, 0, false, false},
-        {"open parentheses", "void f(((((((((((((((((((((((((((((((((((((\n", LANGUAGE_C, 1, true, false},
-        {"unterminated Basic strings", "Dim s As String = \"never closed (\n", LANGUAGE_BASIC, 1, true, false},
-        {"Basic open parentheses", "x = ((((((((((((((((((((((((((((((((((((((((\n", LANGUAGE_BASIC, 0, false, false},
-    };
+    const std::vector<Pattern> patterns = LimitPatterns();
     for (const Pattern& p : patterns) {
         SCOPED_TRACE(p.name);
         test::ErrorCapture errors;
@@ -106,5 +143,33 @@ TEST(HostileInput, FiftyMegabytesOfOneConstructScanInLinearTime) {
         EXPECT_EQ(ScanBytes(text, p.language).size(), p.perLine ? p.expectedCalls * text.size() / p.line.size() : p.expectedCalls);
         ASSERT_EQ(errors.reports.size(), p.overflowsClassStack ? 1u : 0u);
         for (const auto& report : errors.reports) EXPECT_EQ(report.title, "Sub TakeLevelsOut");
+    }
+}
+
+TEST(HostileInput, OutputStaysInProportionToTheInputAndANewProjectsMemoryToo) {
+    // Measured by what the scan hands out, by the project file, and by the peak memory
+    // of a kestrel new on two threads in a process of its own; never by time.
+    std::vector<Pattern> patterns = LimitPatterns();
+    for (Pattern& p : BasicPairs()) patterns.push_back(std::move(p));
+    for (const Pattern& p : patterns) {
+        SCOPED_TRACE(p.name);
+        test::ErrorCapture errors;
+        long peakRssKb[2] = {};
+        for (int big = 0; big < 2; ++big) {
+            const size_t bytes = (big ? 5u : 1u) << 20;
+            SCOPED_TRACE(bytes);
+            const test::TempFile file(Repeat(p.line, bytes));
+            const std::string source = file.path(), project = source + ".kpr";
+            CountingOutput output(file.name());
+            clsQuillbox scanner;
+            ASSERT_TRUE(scanner.ParseFile(output, p.language));
+            EXPECT_LE(output.units, 4 * bytes + 65536);
+            const test::ChildOutcome run = test::RunKestrelAlone(
+                "/", {"new", project, "--language", std::to_string(p.language), "--jobs", "2", "--type", "impl", source});
+            EXPECT_EQ(run.status, p.overflowsClassStack ? 1 : 0) << run.err;
+            EXPECT_LE(test::ReadFileBytes(project).size(), 2 * bytes + 4 * 65536);
+            peakRssKb[big] = run.peakRssKb;
+        }
+        EXPECT_LE(peakRssKb[1], 6 * peakRssKb[0]);
     }
 }

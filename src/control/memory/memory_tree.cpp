@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -25,8 +27,15 @@ struct MemoryTree::Node {
     Node* last = nullptr;
     Node* prev = nullptr;
     Node* next = nullptr;
-    // While the node sorts: its children in their list order, which is text order.
-    std::unique_ptr<std::vector<Node*>> order;
+    // While the node sorts: its children in their list order, which is text order. A
+    // search tree rather than a sorted array: children that come in out of text order
+    // (a million classes loaded in file order) would each shift half the array.
+    struct ByText {
+        bool operator()(const Node* a, const Node* b) const { return TextBefore(a, b); }
+    };
+    using Order = std::multiset<Node*, ByText>;
+    std::unique_ptr<Order> order;
+    Order::iterator place;  // in the parent's order, while the parent sorts
     int32_t childCount = 0;
     int16_t image = 0;
     int16_t expandedImage = 0;
@@ -72,14 +81,9 @@ void MemoryTree::Link(Node& parent, Node* before, Node* n) {
         // The child goes after every sibling of an equal text; appending in text order,
         // the common case, needs no search.
         auto& order = *parent.order;
-        if (order.empty() || !TextBefore(n, order.back())) {
-            order.push_back(n);
-            before = nullptr;
-        } else {
-            auto at = std::upper_bound(order.begin(), order.end(), n, TextBefore);
-            before = *at;
-            order.insert(at, n);
-        }
+        n->place = order.empty() || !TextBefore(n, *order.rbegin()) ? order.insert(order.end(), n) : order.insert(n);
+        const auto after = std::next(n->place);
+        before = after == order.end() ? nullptr : *after;
     }
     n->parent = &parent;
     n->next = before;
@@ -91,12 +95,7 @@ void MemoryTree::Link(Node& parent, Node* before, Node* n) {
 
 void MemoryTree::Unlink(Node* n) {
     Node& parent = *n->parent;
-    if (parent.sorts) {
-        auto& order = *parent.order;
-        auto at = std::lower_bound(order.begin(), order.end(), n, TextBefore);
-        while (*at != n) ++at;
-        order.erase(at);
-    }
+    if (parent.sorts) parent.order->erase(n->place);
     (n->prev ? n->prev->next : parent.first) = n->next;
     (n->next ? n->next->prev : parent.last) = n->prev;
     n->prev = n->next = nullptr;
@@ -188,8 +187,7 @@ void MemoryTree::SetSortedChildren(NodeId node, bool sorted) {
     for (Node* c = n.first; c; c = c->next) children.push_back(c);
     for (Node* c : children) Unlink(c);
     n.sorts = true;
-    n.order = std::make_unique<std::vector<Node*>>();
-    n.order->reserve(children.size());
+    n.order = std::make_unique<Node::Order>();
     // Relinking in the old order through the index gives a stable sort.
     for (Node* c : children) Link(n, nullptr, c);
 }

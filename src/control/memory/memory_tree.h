@@ -1,8 +1,8 @@
 #pragma once
 // A tree that lives in memory only: the command-line program and the tests draw the
 // control into it. Node ids index a table directly, keys are found through a hash
-// index of the nodes themselves, and a sorting parent keeps its children
-// in a sorted array, so a tree of a hundred thousand nodes stays quick to build and query.
+// index of the nodes themselves, and a sorting parent keeps its children in a search
+// tree by text, so a tree of a million nodes stays quick to build and query.
 // Rows have a fixed height; a hit test maps a y position to the visible row there.
 #include <memory>
 #include <string>
