@@ -11,6 +11,9 @@
 #include "scanner/basic_analysis.h"
 #include "scanner/block_scan.h"
 #include "scanner/c_analysis.h"
+#include "scanner/cpp_analysis.h"
+#include "scanner/cpp_blocks.h"
+#include "scanner/cpp_comments.h"
 #include "scanner/debug_dump.h"
 #include "scanner/line_cleaning.h"
 #include "scanner/loader.h"
@@ -104,9 +107,11 @@ void clsQuillbox::StoreLine(std::u16string_view raw) {
 }
 
 void clsQuillbox::RunPasses(ScanOutput& output, int16_t nLang) {
+    if (nLang == LANGUAGE_CPP) RemoveCppComments(lines_, lineCount_, syntax);
     ParseInclude();
     if (beforeBlockPass_) beforeBlockPass_(*this);
-    TakeLevelsOut(lines_, lineCount_, syntax, nLang, results_, &units_);
+    if (nLang == LANGUAGE_CPP) TakeCppLevelsOut(lines_, lineCount_, results_);
+    else TakeLevelsOut(lines_, lineCount_, syntax, nLang, results_, &units_);
     SecondPass(output, nLang);
     // The line array goes; the results stay until the next scan.
     ReleaseLines();
@@ -123,7 +128,10 @@ bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
         // out are not cleaned: inside a block comment they are passed over unread, and
         // a one-line comment that takes a whole line is left empty as it is read. The
         // reader never returns a line feed, so its lines need no splitting.
-        CommentStripper comments(syntax);
+        // C++ comments wait for all the lines: only with its literals in view can they be
+        // told apart, and a raw string may run over many lines.
+        static const SyntaxTable kNoComments;
+        CommentStripper comments(nLang == LANGUAGE_CPP ? kNoComments : syntax);
         while (!loader.EndOfFile) {
             std::u16string& line = NewLine();
             UnitSet& units = units_.emplace_back();
@@ -150,7 +158,7 @@ bool clsQuillbox::ParseEmbeededFile(ScanOutput& output, int16_t nLang, LineSourc
         // One counter is both the array index and the host's line number, so a host
         // line split at line feeds makes the following host lines skip ahead.
         while (lineCount_ < n) StoreLine(source.Line(lineCount_ + 1));
-        RemoveComments(lines_, lineCount_, syntax, &units_);
+        if (nLang != LANGUAGE_CPP) RemoveComments(lines_, lineCount_, syntax, &units_);
         RunPasses(output, nLang);
         scanned = true;
     });
@@ -170,6 +178,8 @@ void clsQuillbox::SecondPass(ScanOutput& output, int16_t nLang) {
                 else if (r.Scope == kResultInclude) output.WriteInclude__(text.assign(r.word), r.Line);
                 else if (r.Scope != kResultVariable) analysis.ProcessDeclaration(r, results_.UnitsOf(k));
             }
+        } else if (nLang == LANGUAGE_CPP) {
+            WriteCppResults(results_, output);
         } else if (nLang == LANGUAGE_BASIC) {
             BasicAnalysis analysis{syntax, params, output};
             for (size_t k = 0; k < count; ++k) {

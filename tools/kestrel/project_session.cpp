@@ -113,7 +113,8 @@ std::string AbsolutePath(const std::string& path) {
 }
 
 int32_t ParseLanguage(const std::string& text) {
-    if (text == "c" || text == "cpp" || text == "c++") return LANGUAGE_C;
+    if (text == "c") return LANGUAGE_C;
+    if (text == "cpp" || text == "c++") return LANGUAGE_CPP;
     if (text == "java") return LANGUAGE_JAVA;
     if (text == "basic" || text == "vb") return LANGUAGE_BASIC;
     return ParseNumber("--language", text);

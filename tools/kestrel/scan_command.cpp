@@ -58,7 +58,8 @@ struct Options {
 };
 
 bool ParseLanguage(const std::string& text, int16_t& language) {
-    if (text == "c" || text == "cpp") language = LANGUAGE_C;
+    if (text == "c") language = LANGUAGE_C;
+    else if (text == "cpp" || text == "c++") language = LANGUAGE_CPP;
     else if (text == "java") language = LANGUAGE_JAVA;
     else if (text == "basic") language = LANGUAGE_BASIC;
     else {
@@ -144,8 +145,8 @@ void ScanHelp(std::ostream& out) {
            "file<TAB>PATH.\n"
            "\n"
            "options:\n"
-           "  --language L, -l L  c, cpp (same as c), java, basic, or a language number\n"
-           "                      (0 C, 1 Java, 2 Basic; other numbers scan nothing).\n"
+           "  --language L, -l L  c, cpp, java, basic, or a language number (0 C,\n"
+           "                      1 Java, 2 Basic, 7 modern C++; others scan nothing).\n"
            "                      Default: c.\n"
            "  --dump-lines        print instead the line array as the block-level pass\n"
            "                      receives it (read, cleaned, comments removed), one\n"

@@ -1,0 +1,32 @@
+#include "scanner/cpp_analysis.h"
+
+#include <string>
+
+#include "errorlog/errorlog.h"
+#include "scanner/cpp_declaration.h"
+
+namespace kestrel {
+
+namespace {
+constexpr std::string_view kModule = "clsQuillbox.cls";
+}  // namespace
+
+void WriteCppResults(ResultList& results, ScanOutput& output) {
+    std::u16string text;  // the output takes its texts as strings
+    for (const RWord& r : results) {
+        if (r.Scope == kResultEndClass) {
+            Trap(kModule, "Sub SecondPass", [&] { output.WriteEndClass__(text.assign(r.Class), r.Line); });
+            continue;
+        }
+        Trap(kModule, "Sub ProcessDeclaration", [&] {
+            CppDeclaration d;
+            if (!ReadCppDeclaration(r.word, r.Class, d)) return;
+            // A qualified name belongs to the class it names; classes keep their own
+            // names wherever they are defined, so headers and sources meet.
+            const std::u16string_view owner = d.qualifier.empty() ? r.Class : d.qualifier;
+            output.WriteMember__(d.isFunction, owner, d.Member(), r.Line, r.Scope, text.assign(d.text));
+        });
+    }
+}
+
+}  // namespace kestrel

@@ -1,0 +1,337 @@
+#include "scanner/cpp_blocks.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "common/constants.h"
+#include "errorlog/errorlog.h"
+#include "scanner/cpp_declaration.h"
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::string_view kModule = "clsQuillbox.cls";
+constexpr std::u16string_view kEndClassText = u"\u00ABEND\u00BFCLASS\u00BB";
+constexpr size_t npos = std::u16string_view::npos;
+
+// Bounds that keep hostile input from eating memory: blocks nested deeper are read as
+// bodies, and a longer namespace name counts as anonymous.
+constexpr size_t kMaxOpenBlocks = 1024;
+constexpr size_t kMaxNamespaceName = 4096;
+// A statement longer than this is never a lone macro invocation.
+constexpr size_t kMaxMacroLine = 256;
+
+struct AccessLabel {
+    std::u16string_view label;
+    int16_t scope;
+};
+constexpr std::array<AccessLabel, 11> kAccessLabels{{
+    {u"public", PUBLIC_SCOPE},           {u"protected", PROTECTED_SCOPE},     {u"private", PRIVATE_SCOPE},
+    {u"public slots", PUBLIC_SCOPE},     {u"protected slots", PROTECTED_SCOPE}, {u"private slots", PRIVATE_SCOPE},
+    {u"public Q_SLOTS", PUBLIC_SCOPE},   {u"protected Q_SLOTS", PROTECTED_SCOPE}, {u"private Q_SLOTS", PRIVATE_SCOPE},
+    {u"signals", PUBLIC_SCOPE},          {u"Q_SIGNALS", PUBLIC_SCOPE},
+}};
+
+std::u16string_view Trimmed(std::u16string_view s) {
+    const size_t b = s.find_first_not_of(u' ');
+    if (b == npos) return {};
+    return s.substr(b, s.find_last_not_of(u' ') - b + 1);
+}
+
+bool IsMacroName(std::u16string_view word) {
+    return word.size() >= 2 && std::none_of(word.begin(), word.end(), [](char16_t c) { return c >= u'a' && c <= u'z'; }) &&
+           std::any_of(word.begin(), word.end(), [](char16_t c) { return c >= u'A' && c <= u'Z'; });
+}
+
+// A line that holds only a macro invocation (Q_OBJECT, DISALLOW_COPY(Foo)) ends no
+// statement with ";" and would run into the next declaration.
+bool IsLoneMacro(std::u16string_view text) {
+    const std::u16string_view word = FirstCppWord(text);
+    if (!IsMacroName(word)) return false;
+    std::u16string_view rest = Trimmed(text.substr(text.find(word) + word.size()));
+    return rest.empty() || (rest.front() == u'(' && rest.back() == u')');
+}
+
+// After a constructor's parameters, a lone ":" starts its initialiser list ("::" in a
+// trailing return type does not).
+bool HoldsInitialiserList(std::u16string_view tail) {
+    for (size_t k = tail.find(u':'); k != npos; k = tail.find(u':', k + 2)) {
+        if (k + 1 >= tail.size() || tail[k + 1] != u':') return true;
+    }
+    return false;
+}
+
+// One #if ... #endif: only its first branch counts, except after "#if 0", whose first
+// taken branch is the next one.
+struct Condition {
+    bool skip;
+    bool taken;
+};
+
+class CppLevelScanner {
+public:
+    explicit CppLevelScanner(ResultList& results) : results_(results) { frames_.push_back({Frame::kFile, {}, {}, 0}); }
+
+    void ScanLine(std::u16string_view L, int32_t i);
+
+private:
+    struct Frame {
+        enum Kind { kFile, kNamespace, kExtern, kClass } kind;
+        std::u16string name;   // the class's own name, or the namespace's qualified one
+        std::u16string owner;  // the class the members belong to ("" for file level)
+        int16_t access;
+    };
+
+    void Directive(std::u16string_view d);
+    bool Skipping() const { return skipping_ > 0; }
+    void Append(std::u16string_view text, int32_t i);
+    void OpenBlock(int32_t i);
+    void CloseBlock(int32_t i);
+    void Finish();
+    bool TakeAccessLabel();
+    void Emit(std::u16string_view head, const CppDeclaration& d);
+    int32_t LineOf(size_t offset) const;
+    void ClearStatement();
+    const Frame& Top() const { return frames_.back(); }
+
+    ResultList& results_;
+    std::vector<Frame> frames_;
+    std::vector<Condition> conditions_;
+    size_t skipping_ = 0;    // conditions whose current branch is passed over
+    bool continued_ = false; // the previous directive line ended with a backslash
+    int64_t opaque_ = 0;     // depth inside a body whose statements are not declarations
+    // The statement being joined, with the line each of its pieces came from.
+    std::u16string stmt_;
+    std::vector<std::pair<size_t, int32_t>> starts_;
+    int64_t parens_ = 0;  // open ( and [ in the statement
+    int64_t braces_ = 0;  // open { inside the statement (initialisers, lambdas)
+    int32_t lastLine_ = 0;
+};
+
+void CppLevelScanner::ClearStatement() {
+    stmt_.clear();
+    starts_.clear();
+    parens_ = 0;
+    braces_ = 0;
+}
+
+void CppLevelScanner::Append(std::u16string_view text, int32_t i) {
+    if (stmt_.empty()) {
+        const size_t b = text.find_first_not_of(u' ');
+        if (b == npos) return;
+        text.remove_prefix(b);
+    }
+    if (starts_.empty() || lastLine_ != i) {
+        starts_.emplace_back(stmt_.size(), i);
+        lastLine_ = i;
+    }
+    stmt_.append(text);
+}
+
+int32_t CppLevelScanner::LineOf(size_t offset) const {
+    auto it = std::upper_bound(starts_.begin(), starts_.end(), offset,
+                               [](size_t o, const std::pair<size_t, int32_t>& s) { return o < s.first; });
+    return it == starts_.begin() ? (starts_.empty() ? lastLine_ : starts_.front().second) : std::prev(it)->second;
+}
+
+void CppLevelScanner::Emit(std::u16string_view head, const CppDeclaration& d) {
+    const int16_t scope = Top().kind == Frame::kClass ? Top().access : int16_t{UNKNOWN_SCOPE};
+    const size_t offset = static_cast<size_t>(head.data() - stmt_.data()) + d.nameAt;
+    results_.Add(head, LineOf(offset), scope, Top().owner);
+}
+
+void CppLevelScanner::Directive(std::u16string_view d) {
+    d = Trimmed(d.substr(1));
+    const std::u16string_view word = FirstCppWord(d);
+    if (word == u"if" || word == u"ifdef" || word == u"ifndef") {
+        const bool never = word == u"if" && Trimmed(d.substr(2)) == u"0";
+        conditions_.push_back({never, !never});
+        skipping_ += never;
+    } else if ((word == u"elif" || word == u"else") && !conditions_.empty()) {
+        Condition& c = conditions_.back();
+        const bool skip = c.taken;
+        skipping_ = skipping_ - c.skip + skip;
+        c = {skip, true};
+    } else if (word == u"endif" && !conditions_.empty()) {
+        skipping_ -= conditions_.back().skip;
+        conditions_.pop_back();
+    }
+}
+
+bool CppLevelScanner::TakeAccessLabel() {
+    if (Top().kind != Frame::kClass || stmt_.size() > 20) return false;
+    const std::u16string_view label = Trimmed(stmt_);
+    for (const AccessLabel& a : kAccessLabels) {
+        if (a.label == label) {
+            frames_.back().access = a.scope;
+            ClearStatement();
+            return true;
+        }
+    }
+    return false;
+}
+
+void CppLevelScanner::OpenBlock(int32_t i) {
+    const std::u16string_view head = Trimmed(stmt_);
+    const std::u16string_view body = SkipCppPrefixes(head);
+    std::u16string_view word = FirstCppWord(body);
+    const bool room = frames_.size() < kMaxOpenBlocks;
+    if (word == u"inline" && FirstCppWord(body.substr(6)) == u"namespace") word = u"namespace";
+    if (room && word == u"namespace") {
+        std::u16string_view name = Trimmed(body.substr(body.find(u"namespace") + 9));
+        name = SkipCppPrefixes(name);  // namespace [[deprecated]] old {
+        const std::u16string& outer = Top().owner;
+        std::u16string qualified = outer;
+        if (!name.empty() && name.size() <= kMaxNamespaceName && outer.size() <= kMaxNamespaceName) {
+            if (!qualified.empty()) qualified.append(u"::");
+            qualified.append(name);
+        }
+        frames_.push_back({Frame::kNamespace, qualified, qualified, UNKNOWN_SCOPE});
+        ClearStatement();
+        return;
+    }
+    if (room && word == u"extern" && Trimmed(body.substr(6)) == u"\"\"") {
+        frames_.push_back({Frame::kExtern, {}, Top().owner, Top().access});
+        ClearStatement();
+        return;
+    }
+    if (room) {
+        if (const CppClassHead cls = ReadCppClassHead(head); !cls.kind.empty()) {
+            const int16_t access = cls.kind == u"class" ? PRIVATE_SCOPE : PUBLIC_SCOPE;
+            // An anonymous struct or union lends its members to the class around it.
+            std::u16string owner(cls.name.empty() ? std::u16string_view(Top().owner) : cls.name);
+            frames_.push_back({Frame::kClass, std::u16string(cls.name), std::move(owner), access});
+            ClearStatement();
+            return;
+        }
+    }
+    CppDeclaration d;
+    if (word != u"enum" && ReadCppDeclaration(head, Top().owner, d)) {
+        const char16_t last = head.back();
+        const bool memberInit =
+            d.isFunction && (IsCppWordUnit(last) || last == u'>') &&
+            HoldsInitialiserList(head.substr(static_cast<size_t>(d.text.data() - head.data()) + d.text.size()));
+        if (!d.isFunction || memberInit) {
+            // An initialiser in braces (int x{1}, T v = {...}, a lambda): the statement
+            // goes on to its ";".
+            ++braces_;
+            Append(u"{", i);
+            return;
+        }
+        Emit(head, d);
+    }
+    ++opaque_;
+    ClearStatement();
+}
+
+void CppLevelScanner::CloseBlock(int32_t i) {
+    if (frames_.size() > 1) {
+        const Frame& f = frames_.back();
+        if (f.kind == Frame::kClass && !f.name.empty()) results_.Add(kEndClassText, i, kResultEndClass, f.name);
+        frames_.pop_back();
+    }
+    ClearStatement();
+}
+
+void CppLevelScanner::Finish() {
+    const std::u16string_view head = Trimmed(stmt_);
+    CppDeclaration d;
+    if (!head.empty() && ReadCppDeclaration(head, Top().owner, d)) Emit(head, d);
+    ClearStatement();
+}
+
+void CppLevelScanner::ScanLine(std::u16string_view L, int32_t i) {
+    if (continued_) {
+        continued_ = !L.empty() && L.back() == u'\\';
+        return;
+    }
+    const size_t first = L.find_first_not_of(u' ');
+    if (first == npos) return;
+    if (L[first] == u'#') {
+        Directive(L.substr(first));
+        const std::u16string_view t = Trimmed(L);
+        continued_ = !t.empty() && t.back() == u'\\';
+        return;
+    }
+    if (Skipping()) return;
+
+    constexpr std::u16string_view kSpecial = u"{};()[]:";
+    for (size_t k = first; k < L.size();) {
+        if (opaque_ > 0) {
+            const size_t next = L.find_first_of(u"{}", k);
+            if (next == npos) break;
+            opaque_ += L[next] == u'{' ? 1 : -1;
+            k = next + 1;
+            continue;
+        }
+        const size_t next = L.find_first_of(kSpecial, k);
+        if (next != k) {
+            Append(L.substr(k, next == npos ? npos : next - k), i);
+            if (next == npos) break;
+            k = next;
+        }
+        const char16_t c = L[k];
+        switch (c) {
+            case u'{':
+                if (parens_ > 0 || braces_ > 0) {
+                    ++braces_;
+                    Append(u"{", i);
+                } else {
+                    OpenBlock(i);
+                }
+                break;
+            case u'}':
+                if (braces_ > 0) {
+                    --braces_;
+                    Append(u"}", i);
+                } else {
+                    CloseBlock(i);
+                }
+                break;
+            case u';':
+                if (parens_ > 0 || braces_ > 0) Append(u";", i);
+                else Finish();
+                break;
+            case u'(':
+            case u'[':
+                ++parens_;
+                Append(L.substr(k, 1), i);
+                break;
+            case u')':
+            case u']':
+                if (parens_ > 0) --parens_;
+                Append(L.substr(k, 1), i);
+                break;
+            case u':':
+                if (k + 1 < L.size() && L[k + 1] == u':') {
+                    Append(u"::", i);
+                    ++k;
+                } else if (parens_ > 0 || braces_ > 0 || !TakeAccessLabel()) {
+                    Append(u":", i);
+                }
+                break;
+            default:
+                break;
+        }
+        ++k;
+    }
+    if (opaque_ > 0 || stmt_.empty()) return;
+    if (parens_ == 0 && braces_ == 0 && stmt_.size() <= kMaxMacroLine && IsLoneMacro(stmt_)) {
+        ClearStatement();
+        return;
+    }
+    if (stmt_.back() != u' ') stmt_.push_back(u' ');
+}
+
+}  // namespace
+
+void TakeCppLevelsOut(const std::vector<std::u16string>& lines, int32_t lineCount, ResultList& results) {
+    CppLevelScanner scanner(results);
+    Trap(kModule, "Sub TakeLevelsOut", [&] {
+        for (int32_t i = 1; i <= lineCount; ++i) scanner.ScanLine(lines.at(static_cast<size_t>(i)), i);
+    });
+}
+
+}  // namespace kestrel

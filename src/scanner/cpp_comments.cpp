@@ -1,0 +1,140 @@
+#include "scanner/cpp_comments.h"
+
+#include <string_view>
+
+#include "errorlog/errorlog.h"
+
+namespace kestrel {
+
+namespace {
+
+constexpr std::string_view kModule = "clsQuillbox.cls";
+constexpr size_t npos = std::u16string::npos;
+
+bool IsWordUnit(char16_t c) {
+    return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_';
+}
+
+// A quote inside a number is a digit separator (1'000), not a character literal.
+bool IsDigitSeparator(std::u16string_view text, size_t quote) {
+    size_t k = quote;
+    while (k > 0 && (IsWordUnit(text[k - 1]) || text[k - 1] == u'.')) --k;
+    return k < quote && text[k] >= u'0' && text[k] <= u'9';
+}
+
+// The prefix of a raw string ends in R right before the quote: R"( u8R"( LR"x(.
+bool OpensRawString(std::u16string_view text, size_t quote) {
+    if (quote == 0 || text[quote - 1] != u'R') return false;
+    size_t k = quote - 1;
+    while (k > 0 && IsWordUnit(text[k - 1])) --k;
+    const std::u16string_view prefix = text.substr(k, quote - 1 - k);
+    return prefix.empty() || prefix == u"u8" || prefix == u"u" || prefix == u"U" || prefix == u"L";
+}
+
+// Where an ordinary literal opened at `open` closes (escapes skipped); npos when the
+// line ends first.
+size_t LiteralEnd(std::u16string_view text, size_t open) {
+    const char16_t quote = text[open];
+    for (size_t k = open + 1; k < text.size(); ++k) {
+        if (text[k] == u'\\') ++k;
+        else if (text[k] == quote) return k;
+    }
+    return npos;
+}
+
+class CppCommentStripper {
+public:
+    explicit CppCommentStripper(const SyntaxTable& syntax)
+        : oneLine_(syntax.OneLineComment),
+          open_(syntax.MultiCommentStart),
+          close_(syntax.MultiCommentEnd),
+          string_(syntax.StringDelim.empty() ? u'"' : syntax.StringDelim[0]),
+          char_(syntax.CharDelim.empty() ? u'\'' : syntax.CharDelim[0]) {}
+
+    void Strip(std::u16string& line) {
+        out_.clear();
+        std::u16string_view text = line;
+        size_t k = 0;
+        if (!Resume(text, k)) {
+            line.clear();
+            return;
+        }
+        while (k < text.size()) {
+            const char16_t c = text[k];
+            if (c == oneLine_[0] && text.substr(k, oneLine_.size()) == oneLine_) break;
+            if (c == open_[0] && text.substr(k, open_.size()) == open_) {
+                const size_t end = text.find(close_, k + open_.size());
+                if (end == npos) {
+                    inComment_ = true;
+                    break;
+                }
+                k = end + close_.size();
+                continue;
+            }
+            if (c == string_ && OpensRawString(text, k)) {
+                const size_t paren = text.find(u'(', k + 1);
+                rawEnd_.assign(1, u')');
+                rawEnd_.append(text.substr(k + 1, paren == npos ? 0 : paren - k - 1));
+                rawEnd_.push_back(c);
+                out_.push_back(c);
+                out_.push_back(c);
+                inRaw_ = true;
+                k = paren == npos ? text.size() : paren + 1;
+                if (!Resume(text, k)) break;
+                continue;
+            }
+            if ((c == string_ || (c == char_ && !IsDigitSeparator(text, k)))) {
+                const size_t end = LiteralEnd(text, k);
+                if (end == npos) {
+                    out_.append(text.substr(k));
+                    break;
+                }
+                out_.push_back(c);
+                out_.push_back(c);
+                k = end + 1;
+                continue;
+            }
+            out_.push_back(c);
+            ++k;
+        }
+        line.swap(out_);
+    }
+
+private:
+    // Finishes a comment or raw string left open by earlier lines. False while the
+    // line still lies inside it.
+    bool Resume(std::u16string_view text, size_t& k) {
+        if (inComment_) {
+            const size_t end = text.find(close_, k);
+            if (end == npos) return false;
+            inComment_ = false;
+            k = end + close_.size();
+        }
+        if (inRaw_) {
+            const size_t end = text.find(rawEnd_, k);
+            if (end == npos) return false;
+            inRaw_ = false;
+            k = end + rawEnd_.size();
+        }
+        return true;
+    }
+
+    const std::u16string_view oneLine_, open_, close_;
+    const char16_t string_, char_;
+    bool inComment_ = false;
+    bool inRaw_ = false;
+    std::u16string rawEnd_;  // )delimiter" of the open raw string
+    std::u16string out_;
+};
+
+}  // namespace
+
+void RemoveCppComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax) {
+    if (syntax.OneLineComment.empty() || syntax.MultiCommentStart.empty() || syntax.MultiCommentEnd.empty()) return;
+    CppCommentStripper stripper(syntax);
+    Trap(kModule, "Sub RemoveComments", [&] {
+        for (int32_t i = 1; i <= lineCount; ++i) stripper.Strip(lines.at(static_cast<size_t>(i)));
+    });
+}
+
+}  // namespace kestrel

@@ -1,0 +1,48 @@
+#pragma once
+// Reads one C++ statement (the text of a declaration joined from its lines, without
+// its closing ";" or "{") as a function or variable declaration. Grammar-free: it looks
+// for the name before the first parenthesis at bracket depth 0 and at what stands
+// around it, and rejects what reads as a statement, a call or a macro invocation.
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+struct CppDeclaration {
+    bool isFunction = false;
+    // The class written in front of the name (A in A::f, B in A::B::f, its template
+    // arguments dropped); empty when the name is not qualified.
+    std::u16string_view qualifier;
+    std::u16string_view name;     // as written; "~X" for a destructor
+    std::u16string operatorName;  // "operator ==", "operator bool", when the name is one
+    size_t nameAt = 0;            // where the name starts in the statement
+    // Functions: the parameter list with its parentheses. Variables: the type before the name.
+    std::u16string_view text;
+
+    std::u16string_view Member() const { return operatorName.empty() ? name : std::u16string_view(operatorName); }
+};
+
+// `owner` is the class whose body holds the statement ("" outside classes); it tells a
+// constructor from a macro call. False when the statement declares nothing.
+bool ReadCppDeclaration(std::u16string_view statement, std::u16string_view owner, CppDeclaration& out);
+
+// The class head's kind: "class", "struct" or "union" when the statement opens a class
+// body (after template prefixes, attributes and typedef), with its name (export macros,
+// attributes and "final" skipped; the last part of A::B). Empty kind otherwise.
+struct CppClassHead {
+    std::u16string_view kind;
+    std::u16string_view name;
+};
+CppClassHead ReadCppClassHead(std::u16string_view statement);
+
+// The statement without leading blanks, template prefixes and attributes.
+std::u16string_view SkipCppPrefixes(std::u16string_view statement);
+
+// The first word of a text (letters, digits, "_").
+std::u16string_view FirstCppWord(std::u16string_view text);
+
+// True for a letter, digit or "_".
+bool IsCppWordUnit(char16_t c);
+
+}  // namespace kestrel
