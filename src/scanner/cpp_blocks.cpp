@@ -63,11 +63,15 @@ bool HoldsInitialiserList(std::u16string_view tail) {
     return false;
 }
 
-// One #if ... #endif: only its first branch counts, except after "#if 0", whose first
-// taken branch is the next one.
+// One #if ... #endif. Its branches are all read when it stands between complete
+// statements; once a statement or body is left open where it starts or at one of its
+// branches, only the branch chosen first counts, so that the braces of the branches do
+// not add up. "#if 0" is never chosen.
 struct Condition {
-    bool skip;
-    bool taken;
+    bool ignoring;      // the current branch is passed over
+    bool ignoreAll;     // the whole conditional lies in a branch passed over
+    bool singleBranch;
+    bool branchChosen;
 };
 
 class CppLevelScanner {
@@ -85,7 +89,9 @@ private:
     };
 
     void Directive(std::u16string_view d);
-    bool Skipping() const { return skipping_ > 0; }
+    bool Skipping() const { return !conditions_.empty() && conditions_.back().ignoring; }
+    // A statement or body is open: the branches of a conditional cannot all count.
+    bool Incomplete() const { return opaque_ > 0 || parens_ > 0 || braces_ > 0 || !Trimmed(stmt_).empty(); }
     void Append(std::u16string_view text, int32_t i);
     void OpenBlock(int32_t i);
     void CloseBlock(int32_t i);
@@ -99,7 +105,6 @@ private:
     ResultList& results_;
     std::vector<Frame> frames_;
     std::vector<Condition> conditions_;
-    size_t skipping_ = 0;    // conditions whose current branch is passed over
     bool continued_ = false; // the previous directive line ended with a backslash
     int64_t opaque_ = 0;     // depth inside a body whose statements are not declarations
     // The statement being joined, with the line each of its pieces came from.
@@ -147,15 +152,18 @@ void CppLevelScanner::Directive(std::u16string_view d) {
     const std::u16string_view word = FirstCppWord(d);
     if (word == u"if" || word == u"ifdef" || word == u"ifndef") {
         const bool never = word == u"if" && Trimmed(d.substr(2)) == u"0";
-        conditions_.push_back({never, !never});
-        skipping_ += never;
+        Condition c{};
+        c.ignoreAll = Skipping();
+        c.singleBranch = Incomplete();
+        c.ignoring = c.ignoreAll || never;
+        c.branchChosen = !c.ignoring && c.singleBranch;
+        conditions_.push_back(c);
     } else if ((word == u"elif" || word == u"else") && !conditions_.empty()) {
         Condition& c = conditions_.back();
-        const bool skip = c.taken;
-        skipping_ = skipping_ - c.skip + skip;
-        c = {skip, true};
+        if (Incomplete()) c.singleBranch = true;
+        c.ignoring = c.ignoreAll || (c.branchChosen && c.singleBranch);
+        if (!c.ignoring) c.branchChosen = c.singleBranch;
     } else if (word == u"endif" && !conditions_.empty()) {
-        skipping_ -= conditions_.back().skip;
         conditions_.pop_back();
     }
 }
@@ -180,8 +188,11 @@ void CppLevelScanner::OpenBlock(int32_t i) {
     const bool room = frames_.size() < kMaxOpenBlocks;
     if (word == u"inline" && FirstCppWord(body.substr(6)) == u"namespace") word = u"namespace";
     if (room && word == u"namespace") {
-        std::u16string_view name = Trimmed(body.substr(body.find(u"namespace") + 9));
-        name = SkipCppPrefixes(name);  // namespace [[deprecated]] old {
+        // The qualified name alone: attributes and macros after it name nothing.
+        const std::u16string_view rest = SkipCppPrefixes(body.substr(body.find(u"namespace") + 9));
+        size_t end = 0;
+        while (end < rest.size() && (IsCppWordUnit(rest[end]) || rest[end] == u':')) ++end;
+        const std::u16string_view name = rest.substr(0, end);
         const std::u16string& outer = Top().owner;
         std::u16string qualified = outer;
         if (!name.empty() && name.size() <= kMaxNamespaceName && outer.size() <= kMaxNamespaceName) {

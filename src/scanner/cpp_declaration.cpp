@@ -87,6 +87,28 @@ size_t SkipAttribute(std::u16string_view s, size_t k) {
     return k;
 }
 
+// Past the constraint of a requires clause that starts at k: terms in parentheses or
+// names with template arguments, joined by && and ||.
+size_t SkipConstraint(std::u16string_view s, size_t k) {
+    for (;;) {
+        k = SkipBlanks(s, k);
+        while (k < s.size() && s[k] == u'!') k = SkipBlanks(s, k + 1);
+        if (k < s.size() && s[k] == u'(') {
+            k = SkipBalanced(s, k);
+        } else {
+            for (;;) {
+                k += WordAt(s, k).size();
+                if (k < s.size() && s[k] == u'<') k = SkipBalanced(s, k);
+                if (s.substr(k, 2) != u"::") break;
+                k += 2;
+            }
+        }
+        const size_t next = SkipBlanks(s, k);
+        if (s.substr(next, 2) != u"&&" && s.substr(next, 2) != u"||") return k;
+        k = next + 2;
+    }
+}
+
 // The first non-blank unit before k, or 0 when there is none.
 char16_t UnitBefore(std::u16string_view s, size_t k) {
     while (k > 0 && s[k - 1] == u' ') --k;
@@ -135,8 +157,13 @@ std::u16string_view QualifierBefore(std::u16string_view s, size_t& start) {
 // What may stand before a declared name: words, blanks, pointers, references and
 // template arguments. Anything else shows an expression or a statement.
 bool LooksLikeType(std::u16string_view prefix) {
-    for (char16_t c : prefix) {
+    for (size_t k = 0; k < prefix.size(); ++k) {
+        const char16_t c = prefix[k];
         if (IsCppWordUnit(c)) continue;
+        if (prefix.substr(k, 3) == u"...") {  // a pack in template arguments
+            k += 2;
+            continue;
+        }
         switch (c) {
             case u' ': case u'*': case u'&': case u':': case u'<': case u'>': case u',': case u'[': case u']':
             case u'(': case u')':
@@ -317,13 +344,18 @@ std::u16string_view SkipCppPrefixes(std::u16string_view s) {
     size_t k = 0;
     for (;;) {
         k = SkipBlanks(s, k);
-        if (WordAt(s, k) == u"template") {
+        const std::u16string_view word = WordAt(s, k);
+        if (word == u"template") {
             const size_t angle = SkipBlanks(s, k + 8);
             if (angle < s.size() && s[angle] == u'<') {
                 k = SkipBalanced(s, angle);
                 continue;
             }
             return s.substr(k);
+        }
+        if (word == u"requires") {
+            k = SkipConstraint(s, k + 8);
+            continue;
         }
         const size_t past = SkipAttribute(s, k);
         if (past == k) return s.substr(k);
