@@ -34,6 +34,27 @@ constexpr std::array<AccessLabel, 11> kAccessLabels{{
     {u"signals", PUBLIC_SCOPE},          {u"Q_SIGNALS", PUBLIC_SCOPE},
 }};
 
+// The units that end, open or close something in a statement: { } ; ( ) [ ] :
+constexpr std::array<bool, 128> kSpecialUnits = [] {
+    std::array<bool, 128> table{};
+    for (char c : std::string_view("{};()[]:")) table[static_cast<size_t>(c)] = true;
+    return table;
+}();
+
+size_t NextSpecial(std::u16string_view L, size_t k) {
+    for (; k < L.size(); ++k) {
+        if (L[k] < 128 && kSpecialUnits[L[k]]) return k;
+    }
+    return npos;
+}
+
+size_t NextBrace(std::u16string_view L, size_t k) {
+    for (; k < L.size(); ++k) {
+        if (L[k] == u'{' || L[k] == u'}') return k;
+    }
+    return npos;
+}
+
 std::u16string_view Trimmed(std::u16string_view s) {
     const size_t b = s.find_first_not_of(u' ');
     if (b == npos) return {};
@@ -268,16 +289,15 @@ void CppLevelScanner::ScanLine(std::u16string_view L, int32_t i) {
     }
     if (Skipping()) return;
 
-    constexpr std::u16string_view kSpecial = u"{};()[]:";
     for (size_t k = first; k < L.size();) {
         if (opaque_ > 0) {
-            const size_t next = L.find_first_of(u"{}", k);
+            const size_t next = NextBrace(L, k);
             if (next == npos) break;
             opaque_ += L[next] == u'{' ? 1 : -1;
             k = next + 1;
             continue;
         }
-        const size_t next = L.find_first_of(kSpecial, k);
+        const size_t next = NextSpecial(L, k);
         if (next != k) {
             Append(L.substr(k, next == npos ? npos : next - k), i);
             if (next == npos) break;

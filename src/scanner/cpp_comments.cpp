@@ -15,19 +15,22 @@ bool IsWordUnit(char16_t c) {
     return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_';
 }
 
+// The two tests below look at what was kept before the quote (`kept`), which ends with
+// the code right before it.
+
 // A quote inside a number is a digit separator (1'000), not a character literal.
-bool IsDigitSeparator(std::u16string_view text, size_t quote) {
-    size_t k = quote;
-    while (k > 0 && (IsWordUnit(text[k - 1]) || text[k - 1] == u'.')) --k;
-    return k < quote && text[k] >= u'0' && text[k] <= u'9';
+bool IsDigitSeparator(std::u16string_view kept) {
+    size_t k = kept.size();
+    while (k > 0 && (IsWordUnit(kept[k - 1]) || kept[k - 1] == u'.')) --k;
+    return k < kept.size() && kept[k] >= u'0' && kept[k] <= u'9';
 }
 
 // The prefix of a raw string ends in R right before the quote: R"( u8R"( LR"x(.
-bool OpensRawString(std::u16string_view text, size_t quote) {
-    if (quote == 0 || text[quote - 1] != u'R') return false;
-    size_t k = quote - 1;
-    while (k > 0 && IsWordUnit(text[k - 1])) --k;
-    const std::u16string_view prefix = text.substr(k, quote - 1 - k);
+bool OpensRawString(std::u16string_view kept) {
+    if (kept.empty() || kept.back() != u'R') return false;
+    size_t k = kept.size() - 1;
+    while (k > 0 && IsWordUnit(kept[k - 1])) --k;
+    const std::u16string_view prefix = kept.substr(k, kept.size() - 1 - k);
     return prefix.empty() || prefix == u"u8" || prefix == u"u" || prefix == u"U" || prefix == u"L";
 }
 
@@ -51,16 +54,23 @@ public:
           string_(syntax.StringDelim.empty() ? u'"' : syntax.StringDelim[0]),
           char_(syntax.CharDelim.empty() ? u'\'' : syntax.CharDelim[0]) {}
 
+    // Works in place: what is kept is never longer than what was read, so the line
+    // is written over from its start as it is read.
     void Strip(std::u16string& line) {
-        out_.clear();
         std::u16string_view text = line;
         size_t k = 0;
+        size_t w = 0;
         if (!Resume(text, k)) {
             line.clear();
             return;
         }
         while (k < text.size()) {
             const char16_t c = text[k];
+            if (!MayOpen(c)) {
+                line[w++] = c;
+                ++k;
+                continue;
+            }
             if (c == oneLine_[0] && text.substr(k, oneLine_.size()) == oneLine_) break;
             if (c == open_[0] && text.substr(k, open_.size()) == open_) {
                 const size_t end = text.find(close_, k + open_.size());
@@ -71,33 +81,33 @@ public:
                 k = end + close_.size();
                 continue;
             }
-            if (c == string_ && OpensRawString(text, k)) {
+            if (c == string_ && OpensRawString(std::u16string_view(line.data(), w))) {
                 const size_t paren = text.find(u'(', k + 1);
                 rawEnd_.assign(1, u')');
                 rawEnd_.append(text.substr(k + 1, paren == npos ? 0 : paren - k - 1));
                 rawEnd_.push_back(c);
-                out_.push_back(c);
-                out_.push_back(c);
+                line[w++] = c;
+                line[w++] = c;
                 inRaw_ = true;
                 k = paren == npos ? text.size() : paren + 1;
                 if (!Resume(text, k)) break;
                 continue;
             }
-            if ((c == string_ || (c == char_ && !IsDigitSeparator(text, k)))) {
+            if (c == string_ || (c == char_ && !IsDigitSeparator(std::u16string_view(line.data(), w)))) {
                 const size_t end = LiteralEnd(text, k);
                 if (end == npos) {
-                    out_.append(text.substr(k));
+                    while (k < text.size()) line[w++] = text[k++];
                     break;
                 }
-                out_.push_back(c);
-                out_.push_back(c);
+                line[w++] = c;
+                line[w++] = c;
                 k = end + 1;
                 continue;
             }
-            out_.push_back(c);
+            line[w++] = c;
             ++k;
         }
-        line.swap(out_);
+        line.resize(w);
     }
 
 private:
@@ -119,12 +129,14 @@ private:
         return true;
     }
 
+    // Whether a comment or literal may start at c: most units are passed over on this.
+    bool MayOpen(char16_t c) const { return c == oneLine_[0] || c == open_[0] || c == string_ || c == char_; }
+
     const std::u16string_view oneLine_, open_, close_;
     const char16_t string_, char_;
     bool inComment_ = false;
     bool inRaw_ = false;
     std::u16string rawEnd_;  // )delimiter" of the open raw string
-    std::u16string out_;
 };
 
 }  // namespace
