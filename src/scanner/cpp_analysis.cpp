@@ -24,7 +24,10 @@ void WriteCppResults(ResultList& results, ScanOutput& output) {
             // A qualified name belongs to the class it names; classes keep their own
             // names wherever they are defined, so headers and sources meet.
             const std::u16string_view owner = d.qualifier.empty() ? r.Class : d.qualifier;
-            output.WriteMember__(d.isFunction, owner, d.Member(), r.Line, r.Scope, text.assign(d.text));
+            text.assign(d.text);
+            // A parameter list opened on a line of its own starts with a blank.
+            if (d.isFunction && text.size() > 1 && text[1] == u' ') text.erase(1, 1);
+            output.WriteMember__(d.isFunction, owner, d.Member(), r.Line, r.Scope, text);
         });
     }
 }

@@ -84,15 +84,17 @@ bool HoldsInitialiserList(std::u16string_view tail) {
     return false;
 }
 
-// One #if ... #endif. Its branches are all read when it stands between complete
-// statements; once a statement or body is left open where it starts or at one of its
-// branches, only the branch chosen first counts, so that the braces of the branches do
-// not add up. "#if 0" is never chosen.
+// One #if ... #endif. Its branches are all read while each leaves the blocks as they
+// were where the conditional starts; once a statement or a block is left open where it
+// starts or at one of its branches, only the branch chosen first counts, so that the
+// braces of the branches do not add up. "#if 0" is never chosen.
 struct Condition {
     bool ignoring;      // the current branch is passed over
     bool ignoreAll;     // the whole conditional lies in a branch passed over
     bool singleBranch;
     bool branchChosen;
+    size_t frames;      // the open blocks where the conditional starts
+    int64_t opaque;
 };
 
 class CppLevelScanner {
@@ -177,13 +179,15 @@ void CppLevelScanner::Directive(std::u16string_view d) {
         c.ignoreAll = Skipping();
         c.singleBranch = Incomplete();
         c.ignoring = c.ignoreAll || never;
-        c.branchChosen = !c.ignoring && c.singleBranch;
+        c.branchChosen = !c.ignoring;
+        c.frames = frames_.size();
+        c.opaque = opaque_;
         conditions_.push_back(c);
     } else if ((word == u"elif" || word == u"else") && !conditions_.empty()) {
         Condition& c = conditions_.back();
-        if (Incomplete()) c.singleBranch = true;
+        if (Incomplete() || c.frames != frames_.size() || c.opaque != opaque_) c.singleBranch = true;
         c.ignoring = c.ignoreAll || (c.branchChosen && c.singleBranch);
-        if (!c.ignoring) c.branchChosen = c.singleBranch;
+        if (!c.ignoring) c.branchChosen = true;
     } else if (word == u"endif" && !conditions_.empty()) {
         conditions_.pop_back();
     }

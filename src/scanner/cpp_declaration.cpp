@@ -262,7 +262,7 @@ bool ReadVariable(std::u16string_view s, size_t b, size_t end, CppDeclaration& o
     size_t typeEnd = start;
     const std::u16string_view qualifier = QualifierBefore(s, typeEnd);
     const std::u16string_view type = Trimmed(s.substr(b, typeEnd - b));
-    if (type.empty() || !LooksLikeType(type) || type.find(u'(') != npos) return false;
+    if (type.empty() || !LooksLikeType(type)) return false;
     out = {};
     out.qualifier = qualifier;
     out.name = name;

@@ -1,0 +1,30 @@
+// Modern C++ through the real kestrel scan command: one small input per construct
+// beside the trace it must give.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/scratch.h"
+
+using namespace kestrel::test;
+
+TEST(CppGolden, EachConstructGivesItsTrace) {
+    for (const char* input : {"namespaces.cpp", "structs.h", "class_heads.h", "templates.h", "comments.cpp",
+                              "preprocessor.cpp", "split_declarations.cpp", "not_functions.cpp", "kept.h"}) {
+        const std::string path = std::string("tests/golden/cpp/") + input;
+        Outcome run = RunKestrel(KESTREL_SOURCE_DIR, "scan --language cpp " + path);
+        EXPECT_EQ(run.status, 0) << input;
+        EXPECT_EQ(run.err, "") << input;
+        EXPECT_EQ(run.out, Golden(std::string("cpp/") + input + ".trace")) << input;
+    }
+}
+
+TEST(CppGolden, CAndCppNameTheirOwnLanguages) {
+    // c keeps the C family's reading: the namespace's function is read as a body.
+    Outcome c = RunKestrel(KESTREL_SOURCE_DIR, "scan --language c tests/golden/cpp/namespaces.cpp");
+    EXPECT_EQ(c.out.find("db::Flush"), std::string::npos);
+    for (const char* name : {"cpp", "c++", "7"}) {
+        Outcome run = RunKestrel(KESTREL_SOURCE_DIR, std::string("scan --language ") + name + " tests/golden/cpp/namespaces.cpp");
+        EXPECT_EQ(run.out, Golden("cpp/namespaces.cpp.trace")) << name;
+    }
+}
