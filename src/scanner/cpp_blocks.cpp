@@ -20,6 +20,8 @@ constexpr size_t npos = std::u16string_view::npos;
 // bodies, and a longer namespace name counts as anonymous.
 constexpr size_t kMaxOpenBlocks = 1024;
 constexpr size_t kMaxNamespaceName = 4096;
+// Conditionals nested deeper are not told apart: their branches all count.
+constexpr size_t kMaxConditions = 1024;
 // A statement longer than this is never a lone macro invocation.
 constexpr size_t kMaxMacroLine = 256;
 
@@ -99,7 +101,7 @@ struct Condition {
 
 class CppLevelScanner {
 public:
-    explicit CppLevelScanner(ResultList& results) : results_(results) { frames_.push_back({Frame::kFile, {}, {}, 0}); }
+    explicit CppLevelScanner(ResultList& results) : results_(results) { frames_.push_back({Frame::kFile, {}, 0, 0}); }
 
     void ScanLine(std::u16string_view L, int32_t i);
 
@@ -107,7 +109,10 @@ private:
     struct Frame {
         enum Kind { kFile, kNamespace, kExtern, kClass } kind;
         std::u16string name;   // the class's own name, or the namespace's qualified one
-        std::u16string owner;  // the class the members belong to ("" for file level)
+        // The frame whose name the members go under: this one, or for an anonymous
+        // struct or an extern "C" block the one around it. An index, so that nesting
+        // does not copy names.
+        size_t owner;
         int16_t access;
     };
 
@@ -124,10 +129,13 @@ private:
     int32_t LineOf(size_t offset) const;
     void ClearStatement();
     const Frame& Top() const { return frames_.back(); }
+    // The class or namespace the statements at this level belong to ("" at file level).
+    const std::u16string& Owner() const { return frames_[Top().owner].name; }
 
     ResultList& results_;
     std::vector<Frame> frames_;
     std::vector<Condition> conditions_;
+    size_t unrecorded_ = 0;  // open conditionals past kMaxConditions
     bool continued_ = false; // the previous directive line ended with a backslash
     int64_t opaque_ = 0;     // depth inside a body whose statements are not declarations
     // The statement being joined, with the line each of its pieces came from.
@@ -167,13 +175,18 @@ int32_t CppLevelScanner::LineOf(size_t offset) const {
 void CppLevelScanner::Emit(std::u16string_view head, const CppDeclaration& d) {
     const int16_t scope = Top().kind == Frame::kClass ? Top().access : int16_t{UNKNOWN_SCOPE};
     const size_t offset = static_cast<size_t>(head.data() - stmt_.data()) + d.nameAt;
-    results_.Add(head, LineOf(offset), scope, Top().owner);
+    results_.Add(head, LineOf(offset), scope, Owner());
 }
 
 void CppLevelScanner::Directive(std::u16string_view d) {
     d = Trimmed(d.substr(1));
     const std::u16string_view word = FirstCppWord(d);
-    if (word == u"if" || word == u"ifdef" || word == u"ifndef") {
+    const bool opens = word == u"if" || word == u"ifdef" || word == u"ifndef";
+    if (opens && (unrecorded_ > 0 || conditions_.size() >= kMaxConditions)) {
+        ++unrecorded_;
+    } else if (unrecorded_ > 0) {
+        if (word == u"endif") --unrecorded_;
+    } else if (opens) {
         const bool never = word == u"if" && Trimmed(d.substr(2)) == u"0";
         Condition c{};
         c.ignoreAll = Skipping();
@@ -218,13 +231,13 @@ void CppLevelScanner::OpenBlock(int32_t i) {
         size_t end = 0;
         while (end < rest.size() && (IsCppWordUnit(rest[end]) || rest[end] == u':')) ++end;
         const std::u16string_view name = rest.substr(0, end);
-        const std::u16string& outer = Top().owner;
+        const std::u16string& outer = Owner();
         std::u16string qualified = outer;
         if (!name.empty() && name.size() <= kMaxNamespaceName && outer.size() <= kMaxNamespaceName) {
             if (!qualified.empty()) qualified.append(u"::");
             qualified.append(name);
         }
-        frames_.push_back({Frame::kNamespace, qualified, qualified, UNKNOWN_SCOPE});
+        frames_.push_back({Frame::kNamespace, std::move(qualified), frames_.size(), UNKNOWN_SCOPE});
         ClearStatement();
         return;
     }
@@ -237,14 +250,14 @@ void CppLevelScanner::OpenBlock(int32_t i) {
         if (const CppClassHead cls = ReadCppClassHead(head); !cls.kind.empty()) {
             const int16_t access = cls.kind == u"class" ? PRIVATE_SCOPE : PUBLIC_SCOPE;
             // An anonymous struct or union lends its members to the class around it.
-            std::u16string owner(cls.name.empty() ? std::u16string_view(Top().owner) : cls.name);
-            frames_.push_back({Frame::kClass, std::u16string(cls.name), std::move(owner), access});
+            const size_t owner = cls.name.empty() ? Top().owner : frames_.size();
+            frames_.push_back({Frame::kClass, std::u16string(cls.name), owner, access});
             ClearStatement();
             return;
         }
     }
     CppDeclaration d;
-    if (word != u"enum" && ReadCppDeclaration(head, Top().owner, d)) {
+    if (word != u"enum" && ReadCppDeclaration(head, Owner(), d)) {
         const char16_t last = head.back();
         const bool memberInit =
             d.isFunction && (IsCppWordUnit(last) || last == u'>') &&
@@ -274,7 +287,7 @@ void CppLevelScanner::CloseBlock(int32_t i) {
 void CppLevelScanner::Finish() {
     const std::u16string_view head = Trimmed(stmt_);
     CppDeclaration d;
-    if (!head.empty() && ReadCppDeclaration(head, Top().owner, d)) Emit(head, d);
+    if (!head.empty() && ReadCppDeclaration(head, Owner(), d)) Emit(head, d);
     ClearStatement();
 }
 
