@@ -25,6 +25,9 @@ constexpr size_t kMaxConditions = 1024;
 // A statement longer than this is never a lone macro invocation.
 constexpr size_t kMaxMacroLine = 256;
 
+const UnitSet kOpening = UnitSet::Of(u"{");
+const UnitSet kClosing = UnitSet::Of(u"}");
+
 struct AccessLabel {
     std::u16string_view label;
     int16_t scope;
@@ -103,7 +106,8 @@ class CppLevelScanner {
 public:
     explicit CppLevelScanner(ResultList& results) : results_(results) { frames_.push_back({Frame::kFile, {}, 0, 0}); }
 
-    void ScanLine(std::u16string_view L, int32_t i);
+    // `present` holds at least the units of L.
+    void ScanLine(std::u16string_view L, int32_t i, const UnitSet& present);
 
 private:
     struct Frame {
@@ -291,7 +295,7 @@ void CppLevelScanner::Finish() {
     ClearStatement();
 }
 
-void CppLevelScanner::ScanLine(std::u16string_view L, int32_t i) {
+void CppLevelScanner::ScanLine(std::u16string_view L, int32_t i, const UnitSet& present) {
     if (continued_) {
         continued_ = !L.empty() && L.back() == u'\\';
         return;
@@ -305,6 +309,8 @@ void CppLevelScanner::ScanLine(std::u16string_view L, int32_t i) {
         return;
     }
     if (Skipping()) return;
+    // Inside a body only braces count.
+    if (opaque_ > 0 && !present.MayHold(kOpening) && !present.MayHold(kClosing)) return;
 
     for (size_t k = first; k < L.size();) {
         if (opaque_ > 0) {
@@ -375,10 +381,15 @@ void CppLevelScanner::ScanLine(std::u16string_view L, int32_t i) {
 
 }  // namespace
 
-void TakeCppLevelsOut(const std::vector<std::u16string>& lines, int32_t lineCount, ResultList& results) {
+void TakeCppLevelsOut(const std::vector<std::u16string>& lines, int32_t lineCount, ResultList& results,
+                      const std::vector<UnitSet>* present) {
     CppLevelScanner scanner(results);
+    const UnitSet anything = UnitSet::Anything();
     Trap(kModule, "Sub TakeLevelsOut", [&] {
-        for (int32_t i = 1; i <= lineCount; ++i) scanner.ScanLine(lines.at(static_cast<size_t>(i)), i);
+        for (int32_t i = 1; i <= lineCount; ++i) {
+            const size_t k = static_cast<size_t>(i);
+            scanner.ScanLine(lines.at(k), i, present ? (*present)[k] : anything);
+        }
     });
 }
 

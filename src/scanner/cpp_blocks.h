@@ -10,11 +10,14 @@
 #include <vector>
 
 #include "scanner/result_list.h"
+#include "scanner/unit_set.h"
 
 namespace kestrel {
 
 // Reads lines 1 to lineCount (comments removed, literals emptied) and appends the
 // declaration statements and class ends found to `results`. The lines stay as they are.
-void TakeCppLevelsOut(const std::vector<std::u16string>& lines, int32_t lineCount, ResultList& results);
+// `present`, when given, holds the units of each line (same indices as `lines`).
+void TakeCppLevelsOut(const std::vector<std::u16string>& lines, int32_t lineCount, ResultList& results,
+                      const std::vector<UnitSet>* present = nullptr);
 
 }  // namespace kestrel

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "errorlog/errorlog.h"
+#include "scanner/line_cleaning.h"
 
 namespace kestrel {
 
@@ -45,107 +46,101 @@ size_t LiteralEnd(std::u16string_view text, size_t open) {
     return npos;
 }
 
-class CppCommentStripper {
-public:
-    explicit CppCommentStripper(const SyntaxTable& syntax)
-        : oneLine_(syntax.OneLineComment),
-          open_(syntax.MultiCommentStart),
-          close_(syntax.MultiCommentEnd),
-          string_(syntax.StringDelim.empty() ? u'"' : syntax.StringDelim[0]),
-          char_(syntax.CharDelim.empty() ? u'\'' : syntax.CharDelim[0]) {}
-
-    // Works in place: what is kept is never longer than what was read, so the line
-    // is written over from its start as it is read.
-    void Strip(std::u16string& line) {
-        std::u16string_view text = line;
-        size_t k = 0;
-        size_t w = 0;
-        if (!Resume(text, k)) {
-            line.clear();
-            return;
-        }
-        while (k < text.size()) {
-            const char16_t c = text[k];
-            if (!MayOpen(c)) {
-                line[w++] = c;
-                ++k;
-                continue;
-            }
-            if (c == oneLine_[0] && text.substr(k, oneLine_.size()) == oneLine_) break;
-            if (c == open_[0] && text.substr(k, open_.size()) == open_) {
-                const size_t end = text.find(close_, k + open_.size());
-                if (end == npos) {
-                    inComment_ = true;
-                    break;
-                }
-                k = end + close_.size();
-                continue;
-            }
-            if (c == string_ && OpensRawString(std::u16string_view(line.data(), w))) {
-                const size_t paren = text.find(u'(', k + 1);
-                rawEnd_.assign(1, u')');
-                rawEnd_.append(text.substr(k + 1, paren == npos ? 0 : paren - k - 1));
-                rawEnd_.push_back(c);
-                line[w++] = c;
-                line[w++] = c;
-                inRaw_ = true;
-                k = paren == npos ? text.size() : paren + 1;
-                if (!Resume(text, k)) break;
-                continue;
-            }
-            if (c == string_ || (c == char_ && !IsDigitSeparator(std::u16string_view(line.data(), w)))) {
-                const size_t end = LiteralEnd(text, k);
-                if (end == npos) {
-                    while (k < text.size()) line[w++] = text[k++];
-                    break;
-                }
-                line[w++] = c;
-                line[w++] = c;
-                k = end + 1;
-                continue;
-            }
-            line[w++] = c;
-            ++k;
-        }
-        line.resize(w);
-    }
-
-private:
-    // Finishes a comment or raw string left open by earlier lines. False while the
-    // line still lies inside it.
-    bool Resume(std::u16string_view text, size_t& k) {
-        if (inComment_) {
-            const size_t end = text.find(close_, k);
-            if (end == npos) return false;
-            inComment_ = false;
-            k = end + close_.size();
-        }
-        if (inRaw_) {
-            const size_t end = text.find(rawEnd_, k);
-            if (end == npos) return false;
-            inRaw_ = false;
-            k = end + rawEnd_.size();
-        }
-        return true;
-    }
-
-    // Whether a comment or literal may start at c: most units are passed over on this.
-    bool MayOpen(char16_t c) const { return c == oneLine_[0] || c == open_[0] || c == string_ || c == char_; }
-
-    const std::u16string_view oneLine_, open_, close_;
-    const char16_t string_, char_;
-    bool inComment_ = false;
-    bool inRaw_ = false;
-    std::u16string rawEnd_;  // )delimiter" of the open raw string
-};
-
 }  // namespace
 
+CppCommentStripper::CppCommentStripper(const SyntaxTable& syntax)
+    : used_(!syntax.OneLineComment.empty() && !syntax.MultiCommentStart.empty() && !syntax.MultiCommentEnd.empty()),
+      oneLine_(syntax.OneLineComment),
+      open_(syntax.MultiCommentStart),
+      close_(syntax.MultiCommentEnd),
+      string_(syntax.StringDelim.empty() ? u'"' : syntax.StringDelim[0]),
+      char_(syntax.CharDelim.empty() ? u'\'' : syntax.CharDelim[0]),
+      oneLineBytes_(MarkerBytes(oneLine_)),
+      endBytes_(MarkerBytes(close_)),
+      openers_{UnitSet::Of(oneLine_.substr(0, 1)), UnitSet::Of(open_.substr(0, 1)),
+               UnitSet::Of(std::u16string_view(&string_, 1)), UnitSet::Of(std::u16string_view(&char_, 1))} {}
+
+void CppCommentStripper::StripTrapped(std::u16string& line) {
+    if (used_ && !stopped_) stopped_ = !Trap(kModule, "Sub RemoveComments", [&] { Strip(line); });
+}
+
+// Works in place: what is kept is never longer than what was read, so the line
+// is written over from its start as it is read.
+void CppCommentStripper::Strip(std::u16string& line) {
+    std::u16string_view text = line;
+    size_t k = 0;
+    size_t w = 0;
+    if (!Resume(text, k)) {
+        line.clear();
+        return;
+    }
+    while (k < text.size()) {
+        const char16_t c = text[k];
+        if (!MayOpen(c)) {
+            line[w++] = c;
+            ++k;
+            continue;
+        }
+        if (c == oneLine_[0] && text.substr(k, oneLine_.size()) == oneLine_) break;
+        if (c == open_[0] && text.substr(k, open_.size()) == open_) {
+            const size_t end = text.find(close_, k + open_.size());
+            if (end == npos) {
+                inComment_ = true;
+                break;
+            }
+            k = end + close_.size();
+            continue;
+        }
+        if (c == string_ && OpensRawString(std::u16string_view(line.data(), w))) {
+            const size_t paren = text.find(u'(', k + 1);
+            rawEnd_.assign(1, u')');
+            rawEnd_.append(text.substr(k + 1, paren == npos ? 0 : paren - k - 1));
+            rawEnd_.push_back(c);
+            line[w++] = c;
+            line[w++] = c;
+            inRaw_ = true;
+            k = paren == npos ? text.size() : paren + 1;
+            if (!Resume(text, k)) break;
+            continue;
+        }
+        if (c == string_ || (c == char_ && !IsDigitSeparator(std::u16string_view(line.data(), w)))) {
+            const size_t end = LiteralEnd(text, k);
+            if (end == npos) {
+                while (k < text.size()) line[w++] = text[k++];
+                break;
+            }
+            line[w++] = c;
+            line[w++] = c;
+            k = end + 1;
+            continue;
+        }
+        line[w++] = c;
+        ++k;
+    }
+    line.resize(w);
+}
+
+bool CppCommentStripper::Resume(std::u16string_view text, size_t& k) {
+    if (inComment_) {
+        const size_t end = text.find(close_, k);
+        if (end == npos) return false;
+        inComment_ = false;
+        k = end + close_.size();
+    }
+    if (inRaw_) {
+        const size_t end = text.find(rawEnd_, k);
+        if (end == npos) return false;
+        inRaw_ = false;
+        k = end + rawEnd_.size();
+    }
+    return true;
+}
+
 void RemoveCppComments(std::vector<std::u16string>& lines, int32_t lineCount, const SyntaxTable& syntax) {
-    if (syntax.OneLineComment.empty() || syntax.MultiCommentStart.empty() || syntax.MultiCommentEnd.empty()) return;
     CppCommentStripper stripper(syntax);
+    // A line count past the array is an error of the pass, as one inside a line is.
     Trap(kModule, "Sub RemoveComments", [&] {
-        for (int32_t i = 1; i <= lineCount; ++i) stripper.Strip(lines.at(static_cast<size_t>(i)));
+        for (int32_t i = 1; i <= lineCount; ++i) stripper.StripLine(lines.at(static_cast<size_t>(i)));
     });
 }
 

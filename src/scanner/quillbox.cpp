@@ -107,14 +107,31 @@ void clsQuillbox::StoreLine(std::u16string_view raw) {
 }
 
 void clsQuillbox::RunPasses(ScanOutput& output, int16_t nLang) {
-    if (nLang == LANGUAGE_CPP) RemoveCppComments(lines_, lineCount_, syntax);
     ParseInclude();
     if (beforeBlockPass_) beforeBlockPass_(*this);
-    if (nLang == LANGUAGE_CPP) TakeCppLevelsOut(lines_, lineCount_, results_);
+    if (nLang == LANGUAGE_CPP) TakeCppLevelsOut(lines_, lineCount_, results_, &units_);
     else TakeLevelsOut(lines_, lineCount_, syntax, nLang, results_, &units_);
     SecondPass(output, nLang);
     // The line array goes; the results stay until the next scan.
     ReleaseLines();
+}
+
+// Comments are removed as each line comes in, so that the lines that only empty out are
+// not cleaned: inside a block comment they are passed over unread, and a one-line
+// comment that takes a whole line is left empty as it is read. The reader never returns
+// a line feed, so its lines need no splitting.
+template <class Stripper>
+void clsQuillbox::ReadLines(clsLoader& loader, Stripper& comments) {
+    while (!loader.EndOfFile) {
+        std::u16string& line = NewLine();
+        UnitSet& units = units_.emplace_back();
+        if (const std::string_view end = comments.OpenCommentEnd(); !end.empty() && loader.SkipLineWithout(end)) {
+            line.clear();
+            continue;
+        }
+        loader.ReadCleanLineInto(line, units, comments.OneLineStart());
+        comments.StripLine(line, units);
+    }
 }
 
 bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
@@ -124,23 +141,12 @@ bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
         loader.Init();
         StartScan(output, nLang);
         if (!loader.OpenFile(ToUtf8(output.FileName()))) return;
-        // Comments are removed as each line comes in, so that the lines that only empty
-        // out are not cleaned: inside a block comment they are passed over unread, and
-        // a one-line comment that takes a whole line is left empty as it is read. The
-        // reader never returns a line feed, so its lines need no splitting.
-        // C++ comments wait for all the lines: only with its literals in view can they be
-        // told apart, and a raw string may run over many lines.
-        static const SyntaxTable kNoComments;
-        CommentStripper comments(nLang == LANGUAGE_CPP ? kNoComments : syntax);
-        while (!loader.EndOfFile) {
-            std::u16string& line = NewLine();
-            UnitSet& units = units_.emplace_back();
-            if (const std::string_view end = comments.OpenCommentEnd(); !end.empty() && loader.SkipLineWithout(end)) {
-                line.clear();
-                continue;
-            }
-            loader.ReadCleanLineInto(line, units, comments.OneLineStart());
-            comments.StripLine(line, units);
+        if (nLang == LANGUAGE_CPP) {
+            CppCommentStripper comments(syntax);
+            ReadLines(loader, comments);
+        } else {
+            CommentStripper comments(syntax);
+            ReadLines(loader, comments);
         }
         loader.CloseFile();
         RunPasses(output, nLang);
@@ -158,7 +164,8 @@ bool clsQuillbox::ParseEmbeededFile(ScanOutput& output, int16_t nLang, LineSourc
         // One counter is both the array index and the host's line number, so a host
         // line split at line feeds makes the following host lines skip ahead.
         while (lineCount_ < n) StoreLine(source.Line(lineCount_ + 1));
-        if (nLang != LANGUAGE_CPP) RemoveComments(lines_, lineCount_, syntax, &units_);
+        if (nLang == LANGUAGE_CPP) RemoveCppComments(lines_, lineCount_, syntax);
+        else RemoveComments(lines_, lineCount_, syntax, &units_);
         RunPasses(output, nLang);
         scanned = true;
     });
