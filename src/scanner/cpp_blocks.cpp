@@ -290,8 +290,13 @@ void CppLevelScanner::CloseBlock(int32_t i) {
 
 void CppLevelScanner::Finish() {
     const std::u16string_view head = Trimmed(stmt_);
-    CppDeclaration d;
-    if (!head.empty() && ReadCppDeclaration(head, Owner(), d)) Emit(head, d);
+    if (starts_.size() == 1) {
+        // On one line the name's line is known: the second pass reads the statement.
+        const int16_t scope = Top().kind == Frame::kClass ? Top().access : int16_t{UNKNOWN_SCOPE};
+        results_.Add(head, starts_.front().second, scope, Owner());
+    } else if (CppDeclaration d; !head.empty() && ReadCppDeclaration(head, Owner(), d)) {
+        Emit(head, d);
+    }
     ClearStatement();
 }
 

@@ -334,10 +334,6 @@ bool ReadFrom(std::u16string_view s, size_t b, std::u16string_view owner, CppDec
 
 }  // namespace
 
-bool IsCppWordUnit(char16_t c) {
-    return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_' || c >= 0x80;
-}
-
 std::u16string_view FirstCppWord(std::u16string_view text) { return WordAt(text, SkipBlanks(text, 0)); }
 
 std::u16string_view SkipCppPrefixes(std::u16string_view s) {

@@ -42,7 +42,9 @@ std::u16string_view SkipCppPrefixes(std::u16string_view statement);
 // The first word of a text (letters, digits, "_").
 std::u16string_view FirstCppWord(std::u16string_view text);
 
-// True for a letter, digit or "_".
-bool IsCppWordUnit(char16_t c);
+// True for a letter, digit, "_" or any unit beyond ASCII.
+inline bool IsCppWordUnit(char16_t c) {
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' || c >= 0x80;
+}
 
 }  // namespace kestrel
