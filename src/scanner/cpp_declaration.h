@@ -3,6 +3,7 @@
 // its closing ";" or "{") as a function or variable declaration. Grammar-free: it looks
 // for the name before the first parenthesis at bracket depth 0 and at what stands
 // around it, and rejects what reads as a statement, a call or a macro invocation.
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -42,9 +43,17 @@ std::u16string_view SkipCppPrefixes(std::u16string_view statement);
 // The first word of a text (letters, digits, "_").
 std::u16string_view FirstCppWord(std::u16string_view text);
 
+// The ASCII units of a name: letters, digits and "_".
+inline constexpr std::array<bool, 128> kCppWordUnits = [] {
+    std::array<bool, 128> table{};
+    for (char c = 'a'; c <= 'z'; ++c) table[static_cast<size_t>(c)] = true;
+    for (char c = 'A'; c <= 'Z'; ++c) table[static_cast<size_t>(c)] = true;
+    for (char c = '0'; c <= '9'; ++c) table[static_cast<size_t>(c)] = true;
+    table['_'] = true;
+    return table;
+}();
+
 // True for a letter, digit, "_" or any unit beyond ASCII.
-inline bool IsCppWordUnit(char16_t c) {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' || c >= 0x80;
-}
+inline bool IsCppWordUnit(char16_t c) { return c >= 128 || kCppWordUnits[c]; }
 
 }  // namespace kestrel
