@@ -19,7 +19,8 @@ Normalisation, so that the two tools' spellings of one name compare equal:
 Matching:
 - functions (ctags kinds function and prototype) by file, line and name; ctags'
   functions whose names hold no lower-case letter (macro invocations such as TEST_F
-  or Q_DECLARE_METATYPE read as functions) are left out of the reference;
+  or Q_DECLARE_METATYPE read as functions) and its lambdas (named __anon...) are
+  left out of the reference;
 - classes (class, struct, union; not ctags' anonymous __anon names) by file and name,
   since kestrel reports where a class body ends, not where its head stands;
 - member variables (ctags kind member) by file, line and name.
@@ -50,7 +51,7 @@ def load_ctags(path):
             name, file, number, kind = parts[:4]
             key = (file, int(number), norm(name))
             if kind in ("function", "prototype"):
-                if any(c.islower() for c in name):
+                if any(c.islower() for c in name) and not name.startswith("__anon"):
                     functions.add(key)
             elif kind in ("class", "struct", "union"):
                 if not name.startswith("__anon"):

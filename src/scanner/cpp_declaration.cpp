@@ -234,6 +234,11 @@ bool ReadOperator(std::u16string_view s, size_t b, size_t at, std::u16string_vie
         symbolEnd = s.find(u')', k);
         if (symbolEnd == npos) return false;
         ++symbolEnd;
+    } else if (k < s.size() && IsCppWordUnit(s[k])) {
+        // A conversion to a type, whose template arguments may hold parentheses.
+        for (symbolEnd = k; symbolEnd < s.size() && s[symbolEnd] != u'(';) {
+            symbolEnd = s[symbolEnd] == u'<' ? SkipBalanced(s, symbolEnd) : symbolEnd + 1;
+        }
     } else {
         symbolEnd = s.find(u'(', k);
     }

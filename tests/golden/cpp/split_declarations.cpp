@@ -32,3 +32,4 @@ Engine::operator std::string() const {
 }
 
 long double operator""_km(long double value);
+Engine::operator Callback<void(int)>() const;
