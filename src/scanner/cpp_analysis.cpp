@@ -27,7 +27,9 @@ void WriteCppResults(ResultList& results, ScanOutput& output) {
             text.assign(d.text);
             // A parameter list opened on a line of its own starts with a blank.
             if (d.isFunction && text.size() > 1 && text[1] == u' ') text.erase(1, 1);
-            output.WriteMember__(d.isFunction, owner, d.Member(), r.Line, r.Scope, text);
+            do {
+                output.WriteMember__(d.isFunction, owner, d.Member(), r.Line, r.Scope, text);
+            } while (ReadNextCppVariable(r.word, d));
         });
     }
 }

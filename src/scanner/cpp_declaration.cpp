@@ -373,6 +373,27 @@ bool ReadCppDeclaration(std::u16string_view statement, std::u16string_view owner
     }
 }
 
+bool ReadNextCppVariable(std::u16string_view s, CppDeclaration& d) {
+    if (d.isFunction) return false;
+    // The comma that ends d's declarator, brackets and template arguments passed over.
+    size_t k = d.nameAt + d.name.size();
+    int depth = 0;
+    for (; k < s.size(); ++k) {
+        const char16_t c = s[k];
+        if (c == u'(' || c == u'[' || c == u'{' || c == u'<') ++depth;
+        else if ((c == u')' || c == u']' || c == u'}' || c == u'>') && depth > 0) --depth;
+        else if (c == u',' && depth == 0) break;
+    }
+    if (k >= s.size()) return false;
+    size_t at = k + 1;
+    while (at < s.size() && (s[at] == u' ' || s[at] == u'*' || s[at] == u'&')) ++at;
+    const std::u16string_view name = WordAt(s, at);
+    if (name.empty() || (name[0] >= u'0' && name[0] <= u'9')) return false;
+    d.name = name;
+    d.nameAt = at;
+    return true;
+}
+
 CppClassHead ReadCppClassHead(std::u16string_view statement) {
     std::u16string_view s = SkipCppPrefixes(statement);
     std::u16string_view kind = FirstCppWord(s);

@@ -28,6 +28,10 @@ struct CppDeclaration {
 // constructor from a macro call. False when the statement declares nothing.
 bool ReadCppDeclaration(std::u16string_view statement, std::u16string_view owner, CppDeclaration& out);
 
+// After the variable `d` read from `statement`, the next declarator of the same
+// statement (b and c in int a, *b = 2, c[4];), with d's type. False when there is none.
+bool ReadNextCppVariable(std::u16string_view statement, CppDeclaration& d);
+
 // The class head's kind: "class", "struct" or "union" when the statement opens a class
 // body (after template prefixes, attributes and typedef), with its name (export macros,
 // attributes and "final" skipped; the last part of A::B). Empty kind otherwise.

@@ -29,3 +29,4 @@ struct Outer {
     };
     Inner inner;
 };
+struct Pair { int first, *second = nullptr, third[2]; };
