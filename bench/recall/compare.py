@@ -91,19 +91,10 @@ def main():
         pct(hit_f, len(ref_f)), pct(hit_f, len(got_f)), pct(len(ref_c & got_c), len(ref_c)),
         pct(len(ref_m & got_v), len(ref_m)), len(ref_f), len(got_f), len(ref_c), len(ref_m)))
     if len(sys.argv) > 3:  # a folder for the misses and the false hits, to read them
-        out = sys.argv[3]
-        with open(out + "/missed_functions", "w") as f:
-            for k in sorted(ref_f - got_f):
-                f.write("%s:%d\t%s\n" % k)
-        with open(out + "/extra_functions", "w") as f:
-            for k in sorted(got_f - ref_f):
-                f.write("%s:%d\t%s\n" % k)
-        with open(out + "/missed_classes", "w") as f:
-            for k in sorted(ref_c - got_c):
-                f.write("%s\t%s\n" % k)
-        with open(out + "/missed_members", "w") as f:
-            for k in sorted(ref_m - got_v):
-                f.write("%s:%d\t%s\n" % k)
-
+        for name, keys in (("missed_functions", ref_f - got_f), ("extra_functions", got_f - ref_f),
+                           ("missed_classes", ref_c - got_c), ("missed_members", ref_m - got_v)):
+            with open(sys.argv[3] + "/" + name, "w") as f:
+                for key in sorted(keys):
+                    f.write("\t".join(str(part) for part in key) + "\n")
 
 main()

@@ -28,3 +28,17 @@ TEST(CppGolden, CAndCppNameTheirOwnLanguages) {
         EXPECT_EQ(run.out, Golden("cpp/namespaces.cpp.trace")) << name;
     }
 }
+
+TEST(CppGolden, ANamespaceIsOneContainerInTheProject) {
+    // The qualified name stays whole: db::detail is not class db with member detail::Check.
+    ScratchDir dir;
+    const std::string project = (dir.path() / "p.kpr").string();
+    Outcome made = RunKestrel(KESTREL_SOURCE_DIR, "new '" + project + "' --language cpp --jobs 1 tests/golden/cpp/namespaces.cpp");
+    ASSERT_EQ(made.status, 0) << made.err;
+    const std::string dump = RunKestrel(KESTREL_SOURCE_DIR, "dump '" + project + "'").out;
+    EXPECT_NE(dump.find("project language 7 "), std::string::npos);
+    for (const char* container : {"class \"db\" ", "class \"db::detail\" ", "class \"db::v2\" ", "class \"net::http\" "}) {
+        EXPECT_NE(dump.find(container), std::string::npos) << container;
+    }
+    EXPECT_NE(dump.find("function \"Check\" line 20 "), std::string::npos);
+}
