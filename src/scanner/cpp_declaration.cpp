@@ -75,6 +75,8 @@ std::u16string_view WordAt(std::u16string_view s, size_t k) {
 // Past an attribute at k ([[...]], alignas(...), __declspec(...), __attribute__((...))),
 // or k itself when none starts there.
 size_t SkipAttribute(std::u16string_view s, size_t k) {
+    // Every attribute starts with one of these three units; most words do not.
+    if (k >= s.size() || (s[k] != u'[' && s[k] != u'a' && s[k] != u'_')) return k;
     if (s.substr(k, 2) == u"[[") {
         const size_t end = s.find(u"]]", k + 2);
         return end == npos ? s.size() : end + 2;
@@ -345,7 +347,7 @@ std::u16string_view SkipCppPrefixes(std::u16string_view s) {
     size_t k = 0;
     for (;;) {
         k = SkipBlanks(s, k);
-        const std::u16string_view word = WordAt(s, k);
+        const std::u16string_view word = k < s.size() && (s[k] == u't' || s[k] == u'r') ? WordAt(s, k) : std::u16string_view();
         if (word == u"template") {
             const size_t angle = SkipBlanks(s, k + 8);
             if (angle < s.size() && s[angle] == u'<') {
