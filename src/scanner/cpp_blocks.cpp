@@ -148,6 +148,7 @@ private:
     int64_t parens_ = 0;  // open ( and [ in the statement
     int64_t braces_ = 0;  // open { inside the statement (initialisers, lambdas)
     int32_t lastLine_ = 0;
+    std::u16string read_;  // a function read, as the result list takes it
 };
 
 void CppLevelScanner::ClearStatement() {
@@ -178,8 +179,14 @@ int32_t CppLevelScanner::LineOf(size_t offset) const {
 
 void CppLevelScanner::Emit(std::u16string_view head, const CppDeclaration& d) {
     const int16_t scope = Top().kind == Frame::kClass ? Top().access : int16_t{UNKNOWN_SCOPE};
-    const size_t offset = static_cast<size_t>(head.data() - stmt_.data()) + d.nameAt;
-    results_.Add(head, LineOf(offset), scope, Owner());
+    const int32_t line = LineOf(static_cast<size_t>(head.data() - stmt_.data()) + d.nameAt);
+    if (!d.isFunction) {
+        results_.Add(head, line, scope, Owner());  // the second pass finds every declarator
+        return;
+    }
+    read_.assign(d.Member()).push_back(kReadSeparator);
+    read_.append(d.text);
+    results_.Add(read_, line, scope, d.qualifier.empty() ? std::u16string_view(Owner()) : d.qualifier).Bag = kReadFunction;
 }
 
 void CppLevelScanner::Directive(std::u16string_view d) {

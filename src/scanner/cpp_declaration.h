@@ -24,6 +24,12 @@ struct CppDeclaration {
     std::u16string_view Member() const { return operatorName.empty() ? name : std::u16string_view(operatorName); }
 };
 
+// A function the block pass has read goes on in the result list already read: its
+// class in Class, its member name and parameter text in word joined by a tab, which no
+// cleaned line holds, and Bag set to kReadFunction. The second pass writes it as it is.
+inline constexpr char16_t kReadSeparator = u'\t';
+inline constexpr int16_t kReadFunction = 1;
+
 // `owner` is the class whose body holds the statement ("" outside classes); it tells a
 // constructor from a macro call. False when the statement declares nothing.
 bool ReadCppDeclaration(std::u16string_view statement, std::u16string_view owner, CppDeclaration& out);
