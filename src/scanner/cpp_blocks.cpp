@@ -7,6 +7,7 @@
 #include "common/constants.h"
 #include "errorlog/errorlog.h"
 #include "scanner/cpp_declaration.h"
+#include "scanner/text_search.h"
 
 namespace kestrel {
 
@@ -53,12 +54,7 @@ size_t NextSpecial(std::u16string_view L, size_t k) {
     return npos;
 }
 
-size_t NextBrace(std::u16string_view L, size_t k) {
-    for (; k < L.size(); ++k) {
-        if (L[k] == u'{' || L[k] == u'}') return k;
-    }
-    return npos;
-}
+size_t NextBrace(std::u16string_view L, size_t k) { return FindEarlierOf(L, u"{", u"}", k).at; }
 
 std::u16string_view Trimmed(std::u16string_view s) {
     const size_t b = s.find_first_not_of(u' ');
