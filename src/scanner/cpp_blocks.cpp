@@ -119,7 +119,8 @@ private:
     void Directive(std::u16string_view d);
     bool Skipping() const { return !conditions_.empty() && conditions_.back().ignoring; }
     // A statement or body is open: the branches of a conditional cannot all count.
-    bool Incomplete() const { return opaque_ > 0 || parens_ > 0 || braces_ > 0 || !Trimmed(stmt_).empty(); }
+    // So is a block that has just opened, until its first statement ends.
+    bool Incomplete() const { return fresh_ || opaque_ > 0 || parens_ > 0 || braces_ > 0 || !Trimmed(stmt_).empty(); }
     void Append(std::u16string_view text, int32_t i);
     void OpenBlock(int32_t i);
     void CloseBlock(int32_t i);
@@ -144,6 +145,7 @@ private:
     int64_t parens_ = 0;  // open ( and [ in the statement
     int64_t braces_ = 0;  // open { inside the statement (initialisers, lambdas)
     int32_t lastLine_ = 0;
+    bool fresh_ = false;   // a namespace, class or extern block opened and no statement ended in it yet
     std::u16string read_;  // a function read, as the result list takes it
 };
 
@@ -245,11 +247,13 @@ void CppLevelScanner::OpenBlock(int32_t i) {
             qualified.append(name);
         }
         frames_.push_back({Frame::kNamespace, std::move(qualified), frames_.size(), UNKNOWN_SCOPE});
+        fresh_ = true;
         ClearStatement();
         return;
     }
     if (room && word == u"extern" && Trimmed(body.substr(6)) == u"\"\"") {
         frames_.push_back({Frame::kExtern, {}, Top().owner, Top().access});
+        fresh_ = true;
         ClearStatement();
         return;
     }
@@ -259,6 +263,7 @@ void CppLevelScanner::OpenBlock(int32_t i) {
             // An anonymous struct or union lends its members to the class around it.
             const size_t owner = cls.name.empty() ? Top().owner : frames_.size();
             frames_.push_back({Frame::kClass, std::u16string(cls.name), owner, access});
+            fresh_ = true;
             ClearStatement();
             return;
         }
@@ -283,6 +288,7 @@ void CppLevelScanner::OpenBlock(int32_t i) {
 }
 
 void CppLevelScanner::CloseBlock(int32_t i) {
+    fresh_ = false;
     if (frames_.size() > 1) {
         const Frame& f = frames_.back();
         if (f.kind == Frame::kClass && !f.name.empty()) results_.Add(kEndClassText, i, kResultEndClass, f.name);
@@ -292,6 +298,7 @@ void CppLevelScanner::CloseBlock(int32_t i) {
 }
 
 void CppLevelScanner::Finish() {
+    fresh_ = false;
     const std::u16string_view head = Trimmed(stmt_);
     if (starts_.size() == 1) {
         // On one line the name's line is known: the second pass reads the statement.
@@ -325,6 +332,7 @@ void CppLevelScanner::ScanLine(std::u16string_view L, int32_t i, const UnitSet& 
             const size_t next = NextBrace(L, k);
             if (next == npos) break;
             opaque_ += L[next] == u'{' ? 1 : -1;
+            if (opaque_ == 0) fresh_ = false;  // a body ends its statement
             k = next + 1;
             continue;
         }

@@ -183,6 +183,8 @@ std::u16string_view Trimmed(std::u16string_view s) {
     return s.substr(b, s.find_last_not_of(u' ') - b + 1);
 }
 
+bool ReadVariable(std::u16string_view s, size_t b, size_t end, CppDeclaration& out);
+
 // Reads the function whose parameters open at `paren`. A macro call that stands where a
 // return type would sets `retry` to where the declaration it decorates may start.
 bool ReadFunction(std::u16string_view s, size_t b, size_t paren, std::u16string_view owner, CppDeclaration& out,
@@ -207,6 +209,10 @@ bool ReadFunction(std::u16string_view s, size_t b, size_t paren, std::u16string_
     const std::u16string_view qualifier = QualifierBefore(s, prefixEnd);
     const std::u16string_view prefix = Trimmed(s.substr(b, prefixEnd - b));
     if (!LooksLikeType(prefix)) return false;
+    // T value MACRO(init): a macro after a declared name, which it initialises.
+    if (!prefix.empty() && qualifier.empty() && IsMacroWord(name) && name.size() > 1 && IsCppWordUnit(prefix.back())) {
+        return ReadVariable(s, b, start, out);
+    }
     const size_t close = SkipBalanced(s, paren);
     if (prefix.empty()) {
         // Nothing before the name: a constructor or destructor, or else a macro call,
