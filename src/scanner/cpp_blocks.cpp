@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "common/constants.h"
+#include "common/text.h"
 #include "errorlog/errorlog.h"
 #include "scanner/cpp_declaration.h"
 #include "scanner/text_search.h"
@@ -56,23 +57,12 @@ size_t NextSpecial(std::u16string_view L, size_t k) {
 
 size_t NextBrace(std::u16string_view L, size_t k) { return FindEarlierOf(L, u"{", u"}", k).at; }
 
-std::u16string_view Trimmed(std::u16string_view s) {
-    const size_t b = s.find_first_not_of(u' ');
-    if (b == npos) return {};
-    return s.substr(b, s.find_last_not_of(u' ') - b + 1);
-}
-
-bool IsMacroName(std::u16string_view word) {
-    return word.size() >= 2 && std::none_of(word.begin(), word.end(), [](char16_t c) { return c >= u'a' && c <= u'z'; }) &&
-           std::any_of(word.begin(), word.end(), [](char16_t c) { return c >= u'A' && c <= u'Z'; });
-}
-
 // A line that holds only a macro invocation (Q_OBJECT, DISALLOW_COPY(Foo)) ends no
 // statement with ";" and would run into the next declaration.
 bool IsLoneMacro(std::u16string_view text) {
     const std::u16string_view word = FirstCppWord(text);
-    if (!IsMacroName(word)) return false;
-    std::u16string_view rest = Trimmed(text.substr(text.find(word) + word.size()));
+    if (!IsCppMacroName(word)) return false;
+    std::u16string_view rest = TrimmedView(text.substr(text.find(word) + word.size()));
     return rest.empty() || (rest.front() == u'(' && rest.back() == u')');
 }
 
@@ -120,7 +110,7 @@ private:
     bool Skipping() const { return !conditions_.empty() && conditions_.back().ignoring; }
     // A statement or body is open: the branches of a conditional cannot all count.
     // So is a block that has just opened, until its first statement ends.
-    bool Incomplete() const { return fresh_ || opaque_ > 0 || parens_ > 0 || braces_ > 0 || !Trimmed(stmt_).empty(); }
+    bool Incomplete() const { return fresh_ || opaque_ > 0 || parens_ > 0 || braces_ > 0 || !TrimmedView(stmt_).empty(); }
     void Append(std::u16string_view text, int32_t i);
     void OpenBlock(int32_t i);
     void CloseBlock(int32_t i);
@@ -188,7 +178,7 @@ void CppLevelScanner::Emit(std::u16string_view head, const CppDeclaration& d) {
 }
 
 void CppLevelScanner::Directive(std::u16string_view d) {
-    d = Trimmed(d.substr(1));
+    d = TrimmedView(d.substr(1));
     const std::u16string_view word = FirstCppWord(d);
     const bool opens = word == u"if" || word == u"ifdef" || word == u"ifndef";
     if (opens && (unrecorded_ > 0 || conditions_.size() >= kMaxConditions)) {
@@ -196,7 +186,7 @@ void CppLevelScanner::Directive(std::u16string_view d) {
     } else if (unrecorded_ > 0) {
         if (word == u"endif") --unrecorded_;
     } else if (opens) {
-        const bool never = word == u"if" && Trimmed(d.substr(2)) == u"0";
+        const bool never = word == u"if" && TrimmedView(d.substr(2)) == u"0";
         Condition c{};
         c.ignoreAll = Skipping();
         c.singleBranch = Incomplete();
@@ -217,7 +207,7 @@ void CppLevelScanner::Directive(std::u16string_view d) {
 
 bool CppLevelScanner::TakeAccessLabel() {
     if (Top().kind != Frame::kClass || stmt_.size() > 20) return false;
-    const std::u16string_view label = Trimmed(stmt_);
+    const std::u16string_view label = TrimmedView(stmt_);
     for (const AccessLabel& a : kAccessLabels) {
         if (a.label == label) {
             frames_.back().access = a.scope;
@@ -229,7 +219,7 @@ bool CppLevelScanner::TakeAccessLabel() {
 }
 
 void CppLevelScanner::OpenBlock(int32_t i) {
-    const std::u16string_view head = Trimmed(stmt_);
+    const std::u16string_view head = TrimmedView(stmt_);
     const std::u16string_view body = SkipCppPrefixes(head);
     std::u16string_view word = FirstCppWord(body);
     const bool room = frames_.size() < kMaxOpenBlocks;
@@ -251,7 +241,7 @@ void CppLevelScanner::OpenBlock(int32_t i) {
         ClearStatement();
         return;
     }
-    if (room && word == u"extern" && Trimmed(body.substr(6)) == u"\"\"") {
+    if (room && word == u"extern" && TrimmedView(body.substr(6)) == u"\"\"") {
         frames_.push_back({Frame::kExtern, {}, Top().owner, Top().access});
         fresh_ = true;
         ClearStatement();
@@ -299,7 +289,7 @@ void CppLevelScanner::CloseBlock(int32_t i) {
 
 void CppLevelScanner::Finish() {
     fresh_ = false;
-    const std::u16string_view head = Trimmed(stmt_);
+    const std::u16string_view head = TrimmedView(stmt_);
     if (starts_.size() == 1) {
         // On one line the name's line is known: the second pass reads the statement.
         const int16_t scope = Top().kind == Frame::kClass ? Top().access : int16_t{UNKNOWN_SCOPE};
@@ -319,7 +309,7 @@ void CppLevelScanner::ScanLine(std::u16string_view L, int32_t i, const UnitSet& 
     if (first == npos) return;
     if (L[first] == u'#') {
         Directive(L.substr(first));
-        const std::u16string_view t = Trimmed(L);
+        const std::u16string_view t = TrimmedView(L);
         continued_ = !t.empty() && t.back() == u'\\';
         return;
     }

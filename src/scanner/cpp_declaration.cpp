@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "common/text.h"
+
 namespace kestrel {
 
 namespace {
@@ -117,10 +119,6 @@ char16_t UnitBefore(std::u16string_view s, size_t k) {
     return k > 0 ? s[k - 1] : 0;
 }
 
-bool IsMacroWord(std::u16string_view word) {
-    return !word.empty() && std::none_of(word.begin(), word.end(), [](char16_t c) { return c >= u'a' && c <= u'z'; });
-}
-
 // A name written back from `end` (exclusive): "~"? word, with template arguments
 // after it skipped. Sets `start`; returns the name without its template arguments.
 std::u16string_view NameBefore(std::u16string_view s, size_t end, size_t& start) {
@@ -177,12 +175,6 @@ bool LooksLikeType(std::u16string_view prefix) {
     return true;
 }
 
-std::u16string_view Trimmed(std::u16string_view s) {
-    const size_t b = s.find_first_not_of(u' ');
-    if (b == npos) return {};
-    return s.substr(b, s.find_last_not_of(u' ') - b + 1);
-}
-
 bool ReadVariable(std::u16string_view s, size_t b, size_t end, CppDeclaration& out);
 
 // Reads the function whose parameters open at `paren`. A macro call that stands where a
@@ -199,7 +191,7 @@ bool ReadFunction(std::u16string_view s, size_t b, size_t paren, std::u16string_
         out = {};
         out.name = word;
         out.nameAt = at;
-        out.text = Trimmed(s.substr(b, paren - b));
+        out.text = TrimmedView(s.substr(b, paren - b));
         return !out.text.empty();
     }
     size_t start;
@@ -207,10 +199,12 @@ bool ReadFunction(std::u16string_view s, size_t b, size_t paren, std::u16string_
     if (name.empty() || name == u"~" || IsOneOf(name, kNotFunctionNames)) return false;
     size_t prefixEnd = start;
     const std::u16string_view qualifier = QualifierBefore(s, prefixEnd);
-    const std::u16string_view prefix = Trimmed(s.substr(b, prefixEnd - b));
+    const std::u16string_view prefix = TrimmedView(s.substr(b, prefixEnd - b));
     if (!LooksLikeType(prefix)) return false;
-    // T value MACRO(init): a macro after a declared name, which it initialises.
-    if (!prefix.empty() && qualifier.empty() && IsMacroWord(name) && name.size() > 1 && IsCppWordUnit(prefix.back())) {
+    // T value MACRO(init): a macro after a declared name, which it initialises. A type
+    // and a name stand before it, not only a type (void DFS(), constexpr EVT()).
+    if (qualifier.empty() && IsCppMacroName(name) && name != owner && !prefix.empty() && IsCppWordUnit(prefix.back()) &&
+        prefix.find(u' ') != npos) {
         return ReadVariable(s, b, start, out);
     }
     const size_t close = SkipBalanced(s, paren);
@@ -220,7 +214,7 @@ bool ReadFunction(std::u16string_view s, size_t b, size_t paren, std::u16string_
         const std::u16string_view cls = qualifier.empty() ? owner : qualifier;
         const bool structor = name[0] == u'~' || (!cls.empty() && name == cls);
         if (!structor) {
-            if (IsMacroWord(name) && close < s.size()) retry = close;
+            if (IsCppMacroName(name) && close < s.size()) retry = close;
             return false;
         }
     }
@@ -235,7 +229,7 @@ bool ReadFunction(std::u16string_view s, size_t b, size_t paren, std::u16string_
 
 // operator at `at`: the name runs to the parenthesis that opens the parameters
 // ("()" is a name of its own).
-bool ReadOperator(std::u16string_view s, size_t b, size_t at, std::u16string_view owner, CppDeclaration& out) {
+bool ReadOperator(std::u16string_view s, size_t b, size_t at, CppDeclaration& out) {
     size_t k = SkipBlanks(s, at + 8);
     size_t symbolEnd;
     if (k < s.size() && s[k] == u'(') {
@@ -260,10 +254,9 @@ bool ReadOperator(std::u16string_view s, size_t b, size_t at, std::u16string_vie
     out.isFunction = true;
     out.qualifier = qualifier;
     out.name = s.substr(at, symbolEnd - at);
-    out.operatorName.assign(u"operator ").append(Trimmed(s.substr(k, symbolEnd - k)));
+    out.operatorName.assign(u"operator ").append(TrimmedView(s.substr(k, symbolEnd - k)));
     out.nameAt = at;
     out.text = s.substr(paren, close - paren);
-    (void)owner;
     return true;
 }
 
@@ -274,7 +267,7 @@ bool ReadVariable(std::u16string_view s, size_t b, size_t end, CppDeclaration& o
         return false;
     size_t typeEnd = start;
     const std::u16string_view qualifier = QualifierBefore(s, typeEnd);
-    const std::u16string_view type = Trimmed(s.substr(b, typeEnd - b));
+    const std::u16string_view type = TrimmedView(s.substr(b, typeEnd - b));
     if (type.empty() || !LooksLikeType(type)) return false;
     out = {};
     out.qualifier = qualifier;
@@ -305,7 +298,7 @@ bool ReadFrom(std::u16string_view s, size_t b, std::u16string_view owner, CppDec
         const char16_t c = s[k];
         if (IsCppWordUnit(c)) {
             const std::u16string_view word = WordAt(s, k);
-            if (word == u"operator" && angles == 0) return ReadOperator(s, b, k, owner, out);
+            if (word == u"operator" && angles == 0) return ReadOperator(s, b, k, out);
             k += word.size();
             continue;
         }
@@ -346,6 +339,11 @@ bool ReadFrom(std::u16string_view s, size_t b, std::u16string_view owner, CppDec
 }
 
 }  // namespace
+
+bool IsCppMacroName(std::u16string_view word) {
+    return word.size() >= 2 && std::none_of(word.begin(), word.end(), [](char16_t c) { return c >= u'a' && c <= u'z'; }) &&
+           std::any_of(word.begin(), word.end(), [](char16_t c) { return c >= u'A' && c <= u'Z'; });
+}
 
 std::u16string_view FirstCppWord(std::u16string_view text) { return WordAt(text, SkipBlanks(text, 0)); }
 
@@ -431,7 +429,7 @@ CppClassHead ReadCppClassHead(std::u16string_view statement) {
         if (name.empty()) return {};
         // The word read was an export macro; the name follows (after the macro's
         // arguments, if it has any).
-        if (s[k] == u'(' && IsMacroWord(name)) {
+        if (s[k] == u'(' && IsCppMacroName(name)) {
             k = SkipBalanced(s, k);
             continue;
         }

@@ -50,6 +50,10 @@ CppClassHead ReadCppClassHead(std::u16string_view statement);
 // The statement without leading blanks, template prefixes and attributes.
 std::u16string_view SkipCppPrefixes(std::u16string_view statement);
 
+// A name written as macros are: two units or more, capitals and no lower-case letter
+// (LIB_EXPORT, Q_OBJECT).
+bool IsCppMacroName(std::u16string_view word);
+
 // The first word of a text (letters, digits, "_").
 std::u16string_view FirstCppWord(std::u16string_view text);
 
