@@ -34,3 +34,8 @@ DEFINE_HANDLER(Cache, OnEvent)
 TEST_F(CacheTest, Grows) {
     EXPECT_EQ(1, 1);
 }
+
+struct Guarded {
+    int value GUARDED_BY(mutex_);
+    void Update() REQUIRES(mutex_);
+};

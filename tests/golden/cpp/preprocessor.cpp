@@ -1,5 +1,5 @@
-// #define bodies are not code; of #if branches that leave a body open only the
-// first counts; extern "C" blocks are transparent.
+// #define bodies are not code; of #if branches that leave a block open, or open a
+// block's first lines, only the first counts; extern "C" blocks are transparent.
 #define SWAP(a, b) \
     do {           \
         auto t = a; \
@@ -36,3 +36,12 @@ void cpp_entry();
 }
 
 extern "C" int single_entry(int);
+
+class Platform {
+#if defined(_WIN32)
+    void WinOnly();
+#else
+    void PosixOnly();
+#endif
+    int after_branches;
+};
