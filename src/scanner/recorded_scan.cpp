@@ -38,6 +38,19 @@ void RecordedScan::WriteVariable__(const std::u16string& fullName, int32_t line,
     Add(Kind::Variable, scope, line, fullName, typeText);
 }
 
+void RecordedScan::WriteMember__(bool isFunction, std::u16string_view className, std::u16string_view memberName,
+                                 int32_t line, int16_t scope, const std::u16string& text) {
+    if (className.find(u"::") == std::u16string_view::npos) {
+        ScanOutput::WriteMember__(isFunction, className, memberName, line, scope, text);
+        return;
+    }
+    const size_t at = texts_.size();
+    calls_.push_back(Call{isFunction ? Kind::DeclareMember : Kind::VariableMember, scope, line, at,
+                          className.size() + memberName.size(), at + className.size() + memberName.size(), text.size(),
+                          className.size()});
+    texts_.append(className).append(memberName).append(text);
+}
+
 void RecordedScan::WriteEndClass__(const std::u16string& className, int32_t endLine) {
     Add(Kind::EndClass, 0, endLine, className);
 }
@@ -61,6 +74,16 @@ void RecordedScan::Replay(ScanOutput& to) const {
             case Kind::Variable:
                 Trap(kModule, variableTitle, [&] { to.WriteVariable__(nameOf(c), c.line, c.scope, textOf(c)); });
                 break;
+            case Kind::DeclareMember:
+            case Kind::VariableMember: {
+                const bool isFunction = c.kind == Kind::DeclareMember;
+                const std::u16string_view both = std::u16string_view(texts_).substr(c.nameAt, c.nameLength);
+                Trap(kModule, isFunction ? declarationTitle : variableTitle, [&] {
+                    to.WriteMember__(isFunction, both.substr(0, c.classLength), both.substr(c.classLength), c.line,
+                                     c.scope, textOf(c));
+                });
+                break;
+            }
             case Kind::EndClass: to.WriteEndClass__(nameOf(c), c.line); break;
             case Kind::Include: to.WriteInclude__(nameOf(c), c.line); break;
             case Kind::Report: {

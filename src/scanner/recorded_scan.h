@@ -36,9 +36,13 @@ public:
                          const std::u16string& typeText) override;
     void WriteEndClass__(const std::u16string& className, int32_t endLine) override;
     void WriteInclude__(const std::u16string& fileName, int32_t line) override;
+    // A member of a namespace's container (a::b) is kept in its two parts: joined, its
+    // full name would split at the first "::". Every other member is kept joined.
+    void WriteMember__(bool isFunction, std::u16string_view className, std::u16string_view memberName, int32_t line,
+                       int16_t scope, const std::u16string& text) override;
 
 private:
-    enum class Kind : uint8_t { Declare, Variable, EndClass, Include, Report };
+    enum class Kind : uint8_t { Declare, Variable, EndClass, Include, Report, DeclareMember, VariableMember };
     // A scan makes a call or two for every declaration it finds, so a call keeps its
     // texts in the scan's one buffer rather than in strings of its own: the scan
     // then allocates a few times instead of twice per call, and the thread that
@@ -49,6 +53,7 @@ private:
         int32_t line = 0;  // the error number for a report
         size_t nameAt = 0, nameLength = 0;  // in texts_; for a report, its index in reports_
         size_t textAt = 0, textLength = 0;
+        size_t classLength = 0;  // of a member kept in its parts: the class's share of the name
     };
     struct Report {
         std::string module, title, message;

@@ -41,4 +41,10 @@ TEST(CppGolden, ANamespaceIsOneContainerInTheProject) {
         EXPECT_NE(dump.find(container), std::string::npos) << container;
     }
     EXPECT_NE(dump.find("function \"Check\" line 20 "), std::string::npos);
+    // Scanned on worker threads, the calls are kept and handed on later: the same bytes.
+    const std::string onWorkers = (dir.path() / "q.kpr").string();
+    ASSERT_EQ(RunKestrel(KESTREL_SOURCE_DIR, "new '" + onWorkers + "' --language cpp --jobs 2 tests/golden/cpp/namespaces.cpp")
+                  .status,
+              0);
+    EXPECT_EQ(ReadFileBytes(onWorkers), ReadFileBytes(project));
 }
