@@ -209,11 +209,13 @@ bool ReadFunction(std::u16string_view s, size_t b, size_t paren, std::u16string_
     }
     const size_t close = SkipBalanced(s, paren);
     if (prefix.empty()) {
-        // Nothing before the name: a constructor or destructor, or else a macro call,
-        // which may decorate the declaration that follows it.
+        // Nothing before the name: a constructor or destructor, a member defined out
+        // of its class whose return type stood alone on a line that read as a macro
+        // (HRESULT), or else a macro call, which may decorate the declaration that
+        // follows it.
         const std::u16string_view cls = qualifier.empty() ? owner : qualifier;
         const bool structor = name[0] == u'~' || (!cls.empty() && name == cls);
-        if (!structor) {
+        if (!structor && (qualifier.empty() || IsCppMacroName(name))) {
             if (IsCppMacroName(name) && close < s.size()) retry = close;
             return false;
         }

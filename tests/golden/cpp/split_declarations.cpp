@@ -33,3 +33,5 @@ Engine::operator std::string() const {
 
 long double operator""_km(long double value);
 Engine::operator Callback<void(int)>() const;
+HRESULT
+Engine::Query(int id);
