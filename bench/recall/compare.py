@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
 """Matches kestrel's scan trace against Universal Ctags' tags for one corpus.
 
-usage: compare.py CTAGS_XREF KESTREL_TRACE
+usage: compare.py CTAGS_XREF KESTREL_TRACE [DIR]
 
 CTAGS_XREF holds "name<TAB>file<TAB>line<TAB>kind" lines (ctags -x with that format),
 KESTREL_TRACE the output of `kestrel scan` over the same files (each file's block
 opened by "file<TAB>PATH"). Prints one line of percentages:
 function recall, function precision, class recall, member-variable recall, and the
-counts behind them.
+counts behind them. With DIR, the missed and extra names go to files there.
 
 Normalisation, so that the two tools' spellings of one name compare equal:
 - blanks are dropped from every name ("operator ==", "operator==" and
