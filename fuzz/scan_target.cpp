@@ -128,7 +128,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     kestrel::fuzz::FuzzInput in(data, size);
     kestrel::fuzz::QuietErrors errors;
     const uint8_t choice = in.Byte();
-    const int16_t language = kLanguages[choice & 3];
+    // Modern C++ on a bit no earlier input sets, so those keep their language.
+    const int16_t language = (choice & 32) ? int16_t{LANGUAGE_CPP} : kLanguages[choice & 3];
     const int32_t type = (choice & 4) ? FILETYPE_DEFINITION : FILETYPE_IMPLEMENTATION;
     const bool fromBuffer = choice & 8;
     const std::string_view text = in.Rest();

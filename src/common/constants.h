@@ -12,6 +12,8 @@ enum Languages : int32_t {
     LANGUAGE_UDEFINED = 4,
     LANGUAGE_VBSCRIPT = 5,
     LANGUAGE_JSCRIPT = 6,
+    // Modern C++: namespaces, structs, templates and macro-decorated heads.
+    LANGUAGE_CPP = 7,
     LANGUAGE_CINCLUDE = 254,
 };
 

@@ -204,7 +204,10 @@ void clsOneFile::WriteMember__(bool isFunction, std::u16string_view className, s
                                int32_t line, int16_t scope, const std::u16string& text) {
     // The full name splits where the parts meet unless a colon in the class name starts
     // its first "::" earlier; a class name with a colon, which is rare, goes the long way.
-    if (FindUnit(className, u':') != std::u16string_view::npos) {
+    // A namespace's qualified name (a::b), which only the C++ scanner hands over, names
+    // its container whole.
+    constexpr size_t npos = std::u16string_view::npos;
+    if (FindUnit(className, u':') != npos && FindText(className, u"::") == npos) {
         ScanOutput::WriteMember__(isFunction, className, memberName, line, scope, text);
         return;
     }

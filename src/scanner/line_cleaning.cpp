@@ -45,9 +45,8 @@ bool StripComments(SpliceText& text, const SyntaxTable& syntax) {
     }
 }
 
-// The marker as bytes, when a search of a line's raw UTF-8 bytes finds it exactly where
-// a search of the cleaned line would: every unit ASCII (so no byte of a longer
-// sequence is mistaken for it) and none a blank (which cleaning turns or drops).
+}  // namespace
+
 std::string MarkerBytes(std::u16string_view marker) {
     std::string bytes;
     for (char16_t c : marker) {
@@ -56,8 +55,6 @@ std::string MarkerBytes(std::u16string_view marker) {
     }
     return bytes;
 }
-
-}  // namespace
 
 namespace {
 

@@ -22,6 +22,12 @@ inline constexpr size_t kAsciiLinePadding = 16;
 // be readable: a line's last bytes are read sixteen at a time.
 void CleanAsciiLine(std::string_view bytes, std::u16string& line);
 
+// A comment marker as bytes, when a search of a line's raw UTF-8 bytes finds it exactly
+// where a search of the cleaned line would: every unit ASCII (so no byte of a longer
+// sequence is mistaken for it) and none a blank (which cleaning turns or drops). Empty
+// otherwise.
+std::string MarkerBytes(std::u16string_view marker);
+
 // Removes one-line and multi-line comments from one line after another, carrying an
 // open multi-line comment from each line to the next. Knows nothing of string
 // literals. A run-time error ends the removal: that line and every later one keep

@@ -11,6 +11,9 @@
 #include "scanner/basic_analysis.h"
 #include "scanner/block_scan.h"
 #include "scanner/c_analysis.h"
+#include "scanner/cpp_analysis.h"
+#include "scanner/cpp_blocks.h"
+#include "scanner/cpp_comments.h"
 #include "scanner/debug_dump.h"
 #include "scanner/line_cleaning.h"
 #include "scanner/loader.h"
@@ -106,12 +109,32 @@ void clsQuillbox::StoreLine(std::u16string_view raw) {
 void clsQuillbox::RunPasses(ScanOutput& output, int16_t nLang) {
     ParseInclude();
     if (beforeBlockPass_) beforeBlockPass_(*this);
-    // Measured before the block pass empties the lines it has taken in.
-    const int64_t scannedUnits = ParamCollector::ScannedUnits(lines_, lineCount_);
-    TakeLevelsOut(lines_, lineCount_, syntax, nLang, results_, &units_);
+    // Measured before the block pass empties the lines it has taken in; the C++ passes
+    // gather no parameter lists from later lines.
+    const int64_t scannedUnits = nLang == LANGUAGE_CPP ? 0 : ParamCollector::ScannedUnits(lines_, lineCount_);
+    if (nLang == LANGUAGE_CPP) TakeCppLevelsOut(lines_, lineCount_, results_, &units_);
+    else TakeLevelsOut(lines_, lineCount_, syntax, nLang, results_, &units_);
     SecondPass(output, nLang, scannedUnits);
     // The line array goes; the results stay until the next scan.
     ReleaseLines();
+}
+
+// Comments are removed as each line comes in, so that the lines that only empty out are
+// not cleaned: inside a block comment they are passed over unread, and a one-line
+// comment that takes a whole line is left empty as it is read. The reader never returns
+// a line feed, so its lines need no splitting.
+template <class Stripper>
+void clsQuillbox::ReadLines(clsLoader& loader, Stripper& comments) {
+    while (!loader.EndOfFile) {
+        std::u16string& line = NewLine();
+        UnitSet& units = units_.emplace_back();
+        if (const std::string_view end = comments.OpenCommentEnd(); !end.empty() && loader.SkipLineWithout(end)) {
+            line.clear();
+            continue;
+        }
+        loader.ReadCleanLineInto(line, units, comments.OneLineStart());
+        comments.StripLine(line, units);
+    }
 }
 
 bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
@@ -121,20 +144,12 @@ bool clsQuillbox::ParseFile(ScanOutput& output, int16_t nLang) {
         loader.Init();
         StartScan(output, nLang);
         if (!loader.OpenFile(ToUtf8(output.FileName()))) return;
-        // Comments are removed as each line comes in, so that the lines that only empty
-        // out are not cleaned: inside a block comment they are passed over unread, and
-        // a one-line comment that takes a whole line is left empty as it is read. The
-        // reader never returns a line feed, so its lines need no splitting.
-        CommentStripper comments(syntax);
-        while (!loader.EndOfFile) {
-            std::u16string& line = NewLine();
-            UnitSet& units = units_.emplace_back();
-            if (const std::string_view end = comments.OpenCommentEnd(); !end.empty() && loader.SkipLineWithout(end)) {
-                line.clear();
-                continue;
-            }
-            loader.ReadCleanLineInto(line, units, comments.OneLineStart());
-            comments.StripLine(line, units);
+        if (nLang == LANGUAGE_CPP) {
+            CppCommentStripper comments(syntax);
+            ReadLines(loader, comments);
+        } else {
+            CommentStripper comments(syntax);
+            ReadLines(loader, comments);
         }
         loader.CloseFile();
         RunPasses(output, nLang);
@@ -152,7 +167,8 @@ bool clsQuillbox::ParseEmbeededFile(ScanOutput& output, int16_t nLang, LineSourc
         // One counter is both the array index and the host's line number, so a host
         // line split at line feeds makes the following host lines skip ahead.
         while (lineCount_ < n) StoreLine(source.Line(lineCount_ + 1));
-        RemoveComments(lines_, lineCount_, syntax, &units_);
+        if (nLang == LANGUAGE_CPP) RemoveCppComments(lines_, lineCount_, syntax);
+        else RemoveComments(lines_, lineCount_, syntax, &units_);
         RunPasses(output, nLang);
         scanned = true;
     });
@@ -172,6 +188,8 @@ void clsQuillbox::SecondPass(ScanOutput& output, int16_t nLang, int64_t scannedU
                 else if (r.Scope == kResultInclude) output.WriteInclude__(text.assign(r.word), r.Line);
                 else if (r.Scope != kResultVariable) analysis.ProcessDeclaration(r, results_.UnitsOf(k));
             }
+        } else if (nLang == LANGUAGE_CPP) {
+            WriteCppResults(results_, output);
         } else if (nLang == LANGUAGE_BASIC) {
             BasicAnalysis analysis{syntax, params, output};
             for (size_t k = 0; k < count; ++k) {

@@ -13,6 +13,8 @@
 
 namespace kestrel {
 
+class clsLoader;
+
 class clsQuillbox {
 public:
     // The vocabulary of the language being scanned, rebuilt by every scan.
@@ -55,6 +57,9 @@ private:
     // Cleans the newest line and records its units.
     void CleanNewLine();
     void StoreLine(std::u16string_view raw);
+    // Reads the file's lines, cleaned, with `comments` removing their comments.
+    template <class Stripper>
+    void ReadLines(clsLoader& loader, Stripper& comments);
     void ReleaseLines();
     // The passes after the lines are in, cleaned and free of comments.
     void RunPasses(ScanOutput& output, int16_t nLang);

@@ -23,13 +23,16 @@ void RecordedScan::Scan() {
     scanner.ParseFile(*this, language_);
 }
 
-void RecordedScan::Add(Kind kind, int16_t scope, int32_t line, const std::u16string& name, const std::u16string& text) {
-    if (texts_.empty() || (!texts_.back().empty() && texts_.back().size() + name.size() + text.size() > kChunkUnits))
+void RecordedScan::Add(Kind kind, int16_t scope, int32_t line, std::u16string_view name, std::u16string_view text,
+                       std::u16string_view memberName) {
+    const size_t nameLength = name.size() + memberName.size();
+    if (texts_.empty() || (!texts_.back().empty() && texts_.back().size() + nameLength + text.size() > kChunkUnits))
         texts_.emplace_back();
     std::u16string& buffer = texts_.back();
-    calls_.push_back(
-        Call{kind, scope, line, texts_.size() - 1, buffer.size(), name.size(), buffer.size() + name.size(), text.size()});
-    buffer.append(name).append(text);
+    const bool inParts = kind == Kind::DeclareMember || kind == Kind::VariableMember;
+    calls_.push_back(Call{kind, scope, line, texts_.size() - 1, buffer.size(), nameLength, buffer.size() + nameLength,
+                          text.size(), inParts ? name.size() : 0});
+    buffer.append(name).append(memberName).append(text);
 }
 
 void RecordedScan::ReleaseBefore(size_t call) {
@@ -45,6 +48,15 @@ void RecordedScan::WriteDeclare__(const std::u16string& fullName, int32_t line, 
 void RecordedScan::WriteVariable__(const std::u16string& fullName, int32_t line, int16_t scope,
                                    const std::u16string& typeText) {
     Add(Kind::Variable, scope, line, fullName, typeText);
+}
+
+void RecordedScan::WriteMember__(bool isFunction, std::u16string_view className, std::u16string_view memberName,
+                                 int32_t line, int16_t scope, const std::u16string& text) {
+    if (className.find(u"::") == std::u16string_view::npos) {
+        ScanOutput::WriteMember__(isFunction, className, memberName, line, scope, text);
+        return;
+    }
+    Add(isFunction ? Kind::DeclareMember : Kind::VariableMember, scope, line, className, text, memberName);
 }
 
 void RecordedScan::WriteEndClass__(const std::u16string& className, int32_t endLine) {
@@ -78,6 +90,16 @@ size_t RecordedScan::Replay(ScanOutput& to, size_t from, size_t budget) const {
             case Kind::Variable:
                 Trap(kModule, variableTitle, [&] { to.WriteVariable__(nameOf(c), c.line, c.scope, textOf(c)); });
                 break;
+            case Kind::DeclareMember:
+            case Kind::VariableMember: {
+                const bool isFunction = c.kind == Kind::DeclareMember;
+                const std::u16string_view both = std::u16string_view(texts_[c.chunk]).substr(c.nameAt, c.nameLength);
+                Trap(kModule, isFunction ? declarationTitle : variableTitle, [&] {
+                    to.WriteMember__(isFunction, both.substr(0, c.classLength), both.substr(c.classLength), c.line,
+                                     c.scope, textOf(c));
+                });
+                break;
+            }
             case Kind::EndClass: to.WriteEndClass__(nameOf(c), c.line); break;
             case Kind::Include: to.WriteInclude__(nameOf(c), c.line); break;
             case Kind::Report: {

@@ -47,9 +47,13 @@ public:
                          const std::u16string& typeText) override;
     void WriteEndClass__(const std::u16string& className, int32_t endLine) override;
     void WriteInclude__(const std::u16string& fileName, int32_t line) override;
+    // A member of a namespace's container (a::b) is kept in its two parts: joined, its
+    // full name would split at the first "::". Every other member is kept joined.
+    void WriteMember__(bool isFunction, std::u16string_view className, std::u16string_view memberName, int32_t line,
+                       int16_t scope, const std::u16string& text) override;
 
 private:
-    enum class Kind : uint8_t { Declare, Variable, EndClass, Include, Report };
+    enum class Kind : uint8_t { Declare, Variable, EndClass, Include, Report, DeclareMember, VariableMember };
     // A scan makes a call or two for every declaration it finds, so a call keeps its
     // texts in one of the scan's few large buffers rather than in strings of its own:
     // the scan then allocates a few times instead of twice per call, and the thread
@@ -61,13 +65,17 @@ private:
         size_t chunk = 0;  // the buffer in texts_ that holds the texts
         size_t nameAt = 0, nameLength = 0;  // in that buffer; for a report, its index in reports_
         size_t textAt = 0, textLength = 0;
+        size_t classLength = 0;  // of a member kept in its parts: the class's share of the name
     };
     // A buffer is closed once it holds this many code units (unless it is empty).
     static constexpr size_t kChunkUnits = size_t{1} << 20;
     struct Report {
         std::string module, title, message;
     };
-    void Add(Kind kind, int16_t scope, int32_t line, const std::u16string& name, const std::u16string& text = {});
+    // A member kept in its parts passes its class as `name` and its own name as
+    // `memberName`; they are stored side by side.
+    void Add(Kind kind, int16_t scope, int32_t line, std::u16string_view name, std::u16string_view text = {},
+             std::u16string_view memberName = {});
 
     std::u16string fileName_;
     int32_t fileType_;

@@ -86,8 +86,10 @@ void SyntaxTable::MakeSyntax(ScanOutput& file, int16_t nLang) {
 
         IncludeWords.clear();
 
+        // Modern C++ reads the words of C; its passes are its own.
+        const int16_t wordsOf = nLang == LANGUAGE_CPP ? int16_t{LANGUAGE_C} : nLang;
         for (const Vocabulary& v : Vocabularies()) {
-            if (v.language != nLang) continue;
+            if (v.language != wordsOf) continue;
             OneLineComment = v.oneLineComment;
             MultiCommentStart = v.multiCommentStart;
             MultiCommentEnd = v.multiCommentEnd;

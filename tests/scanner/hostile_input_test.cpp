@@ -53,7 +53,19 @@ std::vector<Pattern> LimitPatterns() {
         {"open parentheses", "void f(((((((((((((((((((((((((((((((((((((\n", LANGUAGE_C, 1, true, false},
         {"unterminated Basic strings", "Dim s As String = \"never closed (\n", LANGUAGE_BASIC, 1, true, false},
         {"Basic open parentheses", "x = ((((((((((((((((((((((((((((((((((((((((\n", LANGUAGE_BASIC, 0, false, false},
-        };
+        // Modern C++ joins statements over lines and keeps its blocks and conditionals
+        // on stacks of its own: these never end a statement, or nest without end.
+        {"C++ members", "struct S { int a; void f(); };\n", LANGUAGE_CPP, 3, true, false},
+        {"C++ comment openers in strings", "const char* s = \"/*\"; int a;\n", LANGUAGE_CPP, 2, true, false},
+        {"C++ namespaces", "namespace a::b {\n", LANGUAGE_CPP, 0, false, false},
+        {"C++ class heads", "class LIB_EXPORT [[x]] A final : public B<C> {\n", LANGUAGE_CPP, 0, false, false},
+        {"C++ closing braces", std::string(80, '}') + "\n", LANGUAGE_CPP, 0, false, false},
+        {"C++ open parentheses", "void f(((((((((((((((((((((((((((((((((((((\n", LANGUAGE_CPP, 0, false, false},
+        {"C++ template prefixes", "template <class T, class = std::enable_if_t<(N > 0)>>\n", LANGUAGE_CPP, 0, false, false},
+        {"C++ conditionals", "#if A\n#ifdef B\n#else\n", LANGUAGE_CPP, 0, false, false},
+        {"C++ raw string never closed", "R\"x( { ; } \n", LANGUAGE_CPP, 0, false, false},
+        {"C++ macro prefixes", "M(a) M(b) M(c) M(d) M(e) M(f) M(g) M(h) M(i) M(j)\n", LANGUAGE_CPP, 0, false, false},
+    };
 }
 
 // Procedure heads whose parameter lists never close, each followed by a line that
@@ -100,6 +112,21 @@ TEST(HostileInput, ATenMegabyteLine) {
     const std::string line = Repeat("x = f(a, \"s{\", '}') /* c */ + y; ", 10u << 20);
     EXPECT_EQ(ScanBytes(line + "\nint after;\n").back(), "variable\t2\t0\t::after\tint");
     EXPECT_EQ(ScanBytes(Repeat("a{b}", 2u << 20) + "\nint z;\n").back(), "variable\t2\t0\t::z\tint");
+}
+
+TEST(HostileInput, ATenMegabyteLineAndStatementInCpp) {
+    const std::string line = Repeat("x = f(a, \"s{\", '}') /* c */ + y; ", 10u << 20);
+    EXPECT_EQ(ScanBytes(line + "\nint after;\n", LANGUAGE_CPP).back(), "variable\t2\t0\t::after\tint");
+    // One statement over a million lines, never ended: nothing is declared, and the
+    // next file-level block is still found.
+    const std::string body = Repeat("a b c d e f g h i\n", 10u << 20);
+    const std::string lastLine = std::to_string(2 + body.size() / 18);
+    EXPECT_EQ(ScanBytes("template <class T> int\n" + body + "; int z;\n", LANGUAGE_CPP).back(),
+              "variable\t" + lastLine + "\t0\t::z\tint");
+    const std::string almost(4000, 'a'), text = Repeat(almost + " ", 4u << 20);
+    Calls calls = ScanBytes("int " + text + almost + "b(int x);\n", LANGUAGE_CPP);
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].substr(0, 12), "declare\t1\t0\t");
 }
 
 TEST(HostileInput, ALongNameIsFoundAgainInLinearTime) {

@@ -17,7 +17,7 @@ Outcome Kestrel(const std::string& args) { return RunKestrel(KESTREL_SOURCE_DIR,
 TEST(ScanCommand, TracesAndDumpsOfTheExampleFilesMatchTheGoldenFiles) {
     // Unlisted languages scan nothing; wide language numbers are narrowed to 16 bits.
     const std::pair<std::string, std::string> cases[] = {
-        {"--language cpp examples/shapes.h", "shapes.h.trace"},
+        {"--language c examples/shapes.h", "shapes.h.trace"},
         {"--language c examples/shapes.cpp", "shapes.cpp.trace"},
         {"--language java examples/Inventory.java", "Inventory.java.trace"},
         {"--language basic examples/Utilities.bas", "Utilities.bas.trace"},

@@ -17,7 +17,7 @@ struct LanguageName {
 };
 
 inline constexpr std::array kLanguageNames{
-    LanguageName{"c", LANGUAGE_C},          LanguageName{"cpp", LANGUAGE_C},    LanguageName{"c++", LANGUAGE_C},
+    LanguageName{"c", LANGUAGE_C},          LanguageName{"cpp", LANGUAGE_CPP},  LanguageName{"c++", LANGUAGE_CPP},
     LanguageName{"java", LANGUAGE_JAVA},    LanguageName{"basic", LANGUAGE_BASIC}, LanguageName{"vb", LANGUAGE_BASIC},
 };
 

@@ -20,7 +20,7 @@ constexpr const char* kNewUsage =
     "Creates the project file PROJECT, adds every FILE (a folder adds its files of the\n"
     "project's language, recursively, in sorted order, skipping hidden folders) and saves.\n"
     "An existing PROJECT that is not a kestrel project file is refused.\n"
-    "  --language L      c (default), java, basic, or a language number\n"
+    "  --language L      c (default), cpp, java, basic, or a language number\n"
     "  --id N            the project's identifier (default 0)\n"
     "  --type T          impl, def, form, noparse or 1 to 4, for the files after it;\n"
     "                    without it the extension decides (.h .hh .hpp .hxx .inl def,\n"
