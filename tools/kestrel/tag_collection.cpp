@@ -144,9 +144,9 @@ const TagLanguage* TagLanguageNamed(std::string_view name) {
     return nullptr;
 }
 
-const TagLanguage* TagLanguageOf(int32_t language) {
+const TagLanguage* TagLanguageOfFamily(int32_t family) {
     for (const TagLanguage& l : kTagLanguages)
-        if (l.language == language) return &l;
+        if (l.family == family) return &l;
     return nullptr;
 }
 
@@ -159,7 +159,7 @@ std::vector<Tag> CollectTags(const std::vector<TagFile>& files, bool& anyUnreada
         const TagLanguage* language = given.language;
         if (!language) {
             const std::optional<int32_t> family = LanguageOfExtension(given.path);
-            language = family ? TagLanguageOf(*family) : nullptr;
+            language = family ? TagLanguageOfFamily(*family) : nullptr;
         }
         if (!language) continue;
         const std::string absolute = AbsolutePath(given.path);

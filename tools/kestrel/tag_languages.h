@@ -5,6 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "common/constants.h"
+
 namespace kestrel::cli {
 
 struct TagKind {
@@ -15,22 +17,24 @@ struct TagKind {
 
 struct TagLanguage {
     std::string_view name;  // as --list-languages shows it
-    int32_t language;       // a Languages value
+    int32_t family;         // the Languages value whose extensions its files have
+    int32_t language;       // the Languages value its files are scanned in
     TagKind classKind, functionKind, memberKind, variableKind;
 };
 
 inline constexpr TagLanguage kTagLanguages[] = {
-    {"C++", 0, {'c', "class", "classes"}, {'f', "function", "function definitions"},
+    {"C++", LANGUAGE_C, LANGUAGE_CPP, {'c', "class", "classes"}, {'f', "function", "function definitions"},
      {'m', "member", "class, struct, and union members"}, {'v', "variable", "variable definitions"}},
-    {"Java", 1, {'c', "class", "classes"}, {'m', "method", "methods"}, {'f', "field", "fields"},
+    {"Java", LANGUAGE_JAVA, LANGUAGE_JAVA, {'c', "class", "classes"}, {'m', "method", "methods"}, {'f', "field", "fields"},
      {'f', "field", "fields"}},
-    {"Basic", 2, {'c', "class", "classes"}, {'f', "function", "functions and subroutines"},
+    {"Basic", LANGUAGE_BASIC, LANGUAGE_BASIC, {'c', "class", "classes"}, {'f', "function", "functions and subroutines"},
      {'v', "variable", "variables"}, {'v', "variable", "variables"}},
 };
 
 // A language by the name a tool passes (--languages, --language-force): letter case
 // ignored, and C, C++ and cpp all meaning the C family.
 const TagLanguage* TagLanguageNamed(std::string_view name);
-const TagLanguage* TagLanguageOf(int32_t language);
+// The language whose files have the extensions of `family` (as the folder walk knows them).
+const TagLanguage* TagLanguageOfFamily(int32_t family);
 
 }  // namespace kestrel::cli
