@@ -63,12 +63,16 @@ bool clsBinaryFile::CommitReplacement() {
     const int error = errno;  // the reason of a failure, for the caller
     replacement_.Abandon();
     errno = error;
+    Closed();
+    return !writeFailed_;
+}
+
+void clsBinaryFile::Closed() {
     fd_ = -1;
     encoding_ = TextEncoding::OneBytePerUnit;
     unitsDidNotFit_ = false;
     buffer_.clear();
     bufferPos_ = 0;
-    return !writeFailed_;
 }
 
 bool clsBinaryFile::CloseFile() {
@@ -79,11 +83,7 @@ bool clsBinaryFile::CloseFile() {
         if (writing_) Flush();
         if (::close(fd_) != 0 && writing_) writeFailed_ = true;
     }
-    fd_ = -1;
-    encoding_ = TextEncoding::OneBytePerUnit;
-    unitsDidNotFit_ = false;
-    buffer_.clear();
-    bufferPos_ = 0;
+    Closed();
     return !writeFailed_;
 }
 

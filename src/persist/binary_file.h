@@ -201,6 +201,8 @@ private:
     // Gives back the last n bytes of the room just appended, left unused.
     void Unappend(size_t n) { bufferPos_ -= n; }
     bool Flush();
+    // Back to the closed state, every later save starting with one byte per unit.
+    void Closed();
 
     int fd_ = -1;
     FileReplacement replacement_;  // open while a replacement is written through fd_

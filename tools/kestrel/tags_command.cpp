@@ -56,15 +56,15 @@ struct Options {
     std::string listingLanguage;
 };
 
-void ApplyFields(std::string& fields, const std::string& spec) {
-    if (spec.empty()) return;
+// --fields: letters replace the set, or with '+' and '-' add to it and take from it.
+void ApplyFields(std::string& fields, const std::string& letters) {
+    if (letters.empty()) return;
     bool adding = true;
-    size_t i = 0;
-    if (spec[0] != '+' && spec[0] != '-') fields.clear();
-    for (; i < spec.size(); ++i) {
-        const char c = spec[i];
+    if (letters[0] != '+' && letters[0] != '-') fields.clear();
+    for (size_t i = 0; i < letters.size(); ++i) {
+        const char c = letters[i];
         if (c == '+' || c == '-') adding = c == '+';
-        else if (c == '{') i = spec.find('}', i) == std::string::npos ? spec.size() : spec.find('}', i);  // long names: not ours
+        else if (c == '{') i = std::min(letters.find('}', i), letters.size());  // fields by long name: none of ours
         else if (adding && fields.find(c) == std::string::npos) fields += c;
         else if (!adding) fields.erase(std::remove(fields.begin(), fields.end(), c), fields.end());
     }
