@@ -16,3 +16,9 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/kestrelConfigVersio
   COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kestrelConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/kestrelConfigVersion.cmake
   DESTINATION ${KESTREL_CMAKE_DIR})
+
+# pkg-config, for hosts built with make or meson: the core library only, whose
+# dependencies are the standard library and threads.
+file(RELATIVE_PATH KESTREL_PC_TO_PREFIX "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
+configure_file(${CMAKE_CURRENT_LIST_DIR}/kestrel.pc.in ${CMAKE_CURRENT_BINARY_DIR}/kestrel.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kestrel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

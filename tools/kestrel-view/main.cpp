@@ -13,11 +13,13 @@
 
 namespace {
 
-// A screenshot and the help text need no display.
+// A screenshot, the help text and the version need no display.
 bool NeedsNoDisplay(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const QByteArray arg(argv[i]);
-        if (arg == "--screenshot" || arg.startsWith("--screenshot=") || arg == "--help" || arg == "-h") return true;
+        if (arg == "--screenshot" || arg.startsWith("--screenshot=") || arg == "--help" || arg == "-h" ||
+            arg == "--version" || arg == "-v")
+            return true;
     }
     return false;
 }
@@ -44,10 +46,12 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     qInstallMessageHandler(qtMessages);
     QApplication::setApplicationName(QStringLiteral("kestrel-view"));
+    QApplication::setApplicationVersion(QStringLiteral(KESTREL_VERSION));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Shows the classes, functions and variables of a source folder or a kestrel project."));
     parser.addHelpOption();
+    parser.addVersionOption();
     const QCommandLineOption screenshot(QStringLiteral("screenshot"),
                                         QStringLiteral("Draw the window offscreen into FILE (PNG) and exit."),
                                         QStringLiteral("FILE"));
