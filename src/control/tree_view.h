@@ -80,6 +80,21 @@ public:
     bool Load(const std::u16string& szFileName);
     bool SaveComplete();
 
+    // What a node of either tree stands for in the model, for hosts that want objects
+    // rather than keys: its kind (a SelectedItemType) and, as they apply, the file, the
+    // class and the member. A class tree node stands for its class in every file; the
+    // answer is where the class's body is (else its first file), and for a member the
+    // implementation file's entry before any other.
+    struct Entry {
+        int32_t kind = ST_UNKNOWN;
+        FilePtr file;
+        ClassPtr classObj;
+        ItemPtr item;
+    };
+    Entry EntryOf(NodeId node, bool inClassTree);
+    // The entry of the selected node of the tree in view.
+    Entry Selection();
+
     // Selection queries.
     FilePtr GetSelectedFile();
     ClassPtr GetSelectedClass();

@@ -78,3 +78,23 @@ TEST_F(JsonOutput, ScanWhereAndFindSpeakJsonToo) {
     EXPECT_NE(text.out.find("shapes.h\n"), std::string::npos);
     EXPECT_EQ(Kestrel("dump p.kpr --format xml").status, 2);
 }
+
+TEST_F(JsonOutput, TreeLinesAndTreeJsonNameEachEntrysPlace) {
+    const std::string cpp = KESTREL_SOURCE_DIR "/examples/shapes.cpp", h = KESTREL_SOURCE_DIR "/examples/shapes.h";
+    const Outcome lines = Kestrel("tree --expand --lines p.kpr");
+    ASSERT_EQ(lines.status, 0) << lines.err;
+    // Declared in the header, defined in the implementation: the definition's place.
+    EXPECT_NE(lines.out.find("      Area()  " + cpp + ":50\n"), std::string::npos) << lines.out;
+    EXPECT_NE(lines.out.find("      double radius_  " + h + ":46\n"), std::string::npos) << lines.out;
+    EXPECT_NE(lines.out.find("  Circle  " + h + "\n"), std::string::npos) << lines.out;
+    // Without --lines the outline is as it was.
+    EXPECT_EQ(Kestrel("tree --expand p.kpr").out.find(cpp), std::string::npos);
+
+    const Outcome json = Kestrel("tree --expand --format json p.kpr");
+    ASSERT_EQ(json.status, 0) << json.err;
+    EXPECT_EQ(Parsed(json.out, "[(x['depth'], x['kind'], x.get('line'), x.get('endline')) for x in o if x['text']=='Area()']"),
+              "[(3, 'function', 50, None), (3, 'function', 25, None)]\n");  // Circle's, then Shape's
+    EXPECT_EQ(Parsed(json.out, "[(x['kind'], x['endline']) for x in o if x['text']=='Circle']"), "[('class', 47)]\n");
+    EXPECT_EQ(Parsed(Kestrel("tree --files --format json p.kpr").out, "[x['kind'] for x in o if x['text']=='shapes.h']"),
+              "['file']\n");
+}

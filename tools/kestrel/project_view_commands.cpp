@@ -14,11 +14,15 @@ namespace kestrel::cli {
 namespace {
 
 constexpr const char* kTreeUsage =
-    "usage: kestrel tree PROJECT [--files] [--expand] [--keys]\n"
+    "usage: kestrel tree PROJECT [--files] [--expand] [--keys] [--lines] [--format text|json]\n"
     "Loads PROJECT and prints the class tree (with --files the file tree) as an\n"
     "indented outline, children in tree order.\n"
     "  --expand  open every class node first, as a user would, so its members show\n"
-    "  --keys    add each node's key, image and tag\n";
+    "  --keys    add each node's key, image and tag\n"
+    "  --lines   add each member's FILE:LINE (the implementation's first) and each\n"
+    "            class's file\n"
+    "  --format json  one object per node: depth, text, kind, and file, line or\n"
+    "            endline where they apply (key, image and tag with --keys)\n";
 
 constexpr const char* kDumpUsage =
     "usage: kestrel dump PROJECT [--format text|json]\n"
@@ -38,26 +42,66 @@ constexpr const char* kFindUsage =
     "The first hit only, or with --all every file that holds it.\n"
     "Exit status 1 when nothing is found.\n";
 
-void PrintOutline(const MemoryTree& tree, NodeId node, int depth, bool keys) {
+// How --lines and --format json name what a node stands for.
+const char* KindWord(int32_t kind) {
+    switch (kind) {
+        case ST_PROJECT: return "project";
+        case ST_CLASS: return "class";
+        case ST_METHODS: return "functions";
+        case ST_VARS: return "variables";
+        case ST_METHOD: return "function";
+        case ST_VAR: return "variable";
+        case ST_FILE: return "file";
+        default: return "folder";
+    }
+}
+
+struct OutlineStyle {
+    bool keys = false;
+    bool lines = false;
+    bool json = false;
+};
+
+void PrintOutline(TreeView& view, const MemoryTree& tree, bool classTree, NodeId node, int depth,
+                  const OutlineStyle& style) {
     for (; node != kNoNode; node = tree.NextSibling(node)) {
-        std::cout << std::string(2 * depth, ' ') << Utf8(tree.Text(node));
-        if (keys) {
-            std::cout << "  [" << Utf8(tree.Key(node)) << "] image " << tree.Image(node);
-            const std::u16string tag = tree.Tag(node);
-            if (!tag.empty()) std::cout << " tag " << Quoted(tag);
+        const TreeView::Entry entry = style.lines || style.json ? view.EntryOf(node, classTree) : TreeView::Entry{};
+        if (style.json) {
+            JsonLine line;
+            line.Number("depth", depth).Text("text", tree.Text(node)).Utf8("kind", KindWord(entry.kind));
+            if (style.keys) line.Text("key", tree.Key(node)).Number("image", tree.Image(node)).Text("tag", tree.Tag(node));
+            if (entry.file) line.Text("file", entry.file->FileName());
+            if (entry.item) line.Number("line", entry.item->Line);
+            else if (entry.classObj && (entry.kind == ST_CLASS)) line.Number("endline", entry.classObj->EndLine);
+            line.WriteTo(std::cout);
+        } else {
+            std::cout << std::string(2 * depth, ' ') << Utf8(tree.Text(node));
+            if (style.keys) {
+                std::cout << "  [" << Utf8(tree.Key(node)) << "] image " << tree.Image(node);
+                const std::u16string tag = tree.Tag(node);
+                if (!tag.empty()) std::cout << " tag " << Quoted(tag);
+            }
+            if (style.lines && entry.file && (entry.item || entry.kind == ST_CLASS)) {
+                std::cout << "  " << Utf8(entry.file->FileName());
+                if (entry.item) std::cout << ':' << entry.item->Line;
+            }
+            std::cout << '\n';
         }
-        std::cout << '\n';
-        PrintOutline(tree, tree.FirstChild(node), depth + 1, keys);
+        PrintOutline(view, tree, classTree, tree.FirstChild(node), depth + 1, style);
     }
 }
 
 int Tree(const std::vector<std::string>& args) {
     std::string project;
-    bool filesView = false, expand = false, keys = false;
-    for (const std::string& a : args) {
+    bool filesView = false, expand = false;
+    OutlineStyle style;
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
         if (a == "--files") filesView = true;
         else if (a == "--expand") expand = true;
-        else if (a == "--keys") keys = true;
+        else if (a == "--keys") style.keys = true;
+        else if (a == "--lines") style.lines = true;
+        else if (a == "--format") style.json = JsonFormat(OptionValue(args, i));
         else if (a.starts_with("-")) throw UsageError("unknown option '" + a + "'");
         else if (project.empty()) project = a;
         else throw UsageError("unexpected argument '" + a + "'");
@@ -75,7 +119,7 @@ int Tree(const std::vector<std::string>& args) {
         session.Platform().timer.Drain();
     }
     const MemoryTree& shown = filesView ? session.Platform().fileTree : classes;
-    PrintOutline(shown, shown.FirstChild(kNoNode), 0, keys);
+    PrintOutline(session.View(), shown, !filesView, shown.FirstChild(kNoNode), 0, style);
     return session.ErrorCount() == 0 ? 0 : 1;
 }
 
